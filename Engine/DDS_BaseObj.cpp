@@ -1,0 +1,132 @@
+#include "DDS_BaseObj.h"
+
+#include <fastdds/dds/domain/DomainParticipantFactory.hpp>
+#include <fastdds/rtps/transport/UDPv4TransportDescriptor.h>
+#include <fastrtps/utils/IPLocator.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unistd.h>
+
+using eprosima::fastdds::dds::DomainParticipant;
+using eprosima::fastdds::dds::DomainParticipantFactory;
+using eprosima::fastdds::dds::DomainParticipantQos;
+
+namespace Orvanth {
+
+namespace {
+
+// Fast DDS derives the ports from the domain; above 232 they leave the port range.
+constexpr int HighestDomain = 232;
+// How many participants per host the unicast discovery probes for.
+constexpr uint32_t PeerRange = 32;
+
+std::mutex contextMutex;
+bool contextMade = false;
+DDS_Context context{0, nullptr};
+
+bool environmentFlag(const char* name)
+{
+    const char* text = std::getenv(name);
+    return text && std::string(text) == "1";
+}
+
+bool domainFromEnvironment(eprosima::fastdds::dds::DomainId_t* domain)
+{
+    const char* text = std::getenv("ORVANTH_DDS_DOMAIN");
+    if (!text || !*text) {
+        *domain = 0;
+        return true;
+    }
+    char* end = nullptr;
+    const long value = std::strtol(text, &end, 10);
+    if (end == text || *end != '\0' || value < 0 || value > HighestDomain) {
+        std::cerr << "Orvanth DDS - ORVANTH_DDS_DOMAIN \"" << text
+                  << "\" is not a domain id from 0 to " << HighestDomain << "; DDS is not started" << std::endl;
+        return false;
+    }
+    *domain = eprosima::fastdds::dds::DomainId_t(value);
+    return true;
+}
+
+DomainParticipant* createParticipant(eprosima::fastdds::dds::DomainId_t domain)
+{
+    DomainParticipantFactory* factory = DomainParticipantFactory::get_instance();
+    if (const char* profileFile = std::getenv("ORVANTH_DDS_PROFILE")) {
+        if (factory->load_XML_profiles_file(profileFile) != eprosima::fastrtps::types::ReturnCode_t::RETCODE_OK) {
+            std::cerr << "Orvanth DDS - cannot load the profile file \"" << profileFile << "\"" << std::endl;
+            return nullptr;
+        }
+        return factory->create_participant(domain, factory->get_default_participant_qos());
+    }
+    return factory->create_participant(domain, DDS_BaseObj::loopbackParticipantQos());
+}
+
+} // namespace
+
+DDS_BaseObj::~DDS_BaseObj() = default;
+
+DomainParticipantQos DDS_BaseObj::loopbackParticipantQos()
+{
+    using eprosima::fastrtps::rtps::IPLocator;
+    using eprosima::fastrtps::rtps::Locator_t;
+
+    DomainParticipantQos qos;
+    qos.name("orvanth-" + std::to_string(getpid()));
+
+    auto udp = std::make_shared<eprosima::fastdds::rtps::UDPv4TransportDescriptor>();
+    udp->interfaceWhiteList.emplace_back("127.0.0.1");
+    udp->maxInitialPeersRange = PeerRange;
+    qos.transport().use_builtin_transports = false;
+    qos.transport().user_transports.clear();
+    qos.transport().user_transports.push_back(udp);
+
+    // Port 0 lets Fast DDS fill in the well-known ports of the domain. Giving a unicast
+    // metatraffic locator keeps discovery from adding its default multicast group.
+    Locator_t loopback;
+    loopback.kind = LOCATOR_KIND_UDPv4;
+    IPLocator::setIPv4(loopback, 127, 0, 0, 1);
+    auto& builtin = qos.wire_protocol().builtin;
+    builtin.initialPeersList.clear();
+    builtin.initialPeersList.push_back(loopback);
+    builtin.metatrafficUnicastLocatorList.clear();
+    builtin.metatrafficUnicastLocatorList.push_back(loopback);
+    qos.wire_protocol().default_unicast_locator_list.clear();
+    qos.wire_protocol().default_unicast_locator_list.push_back(loopback);
+    return qos;
+}
+
+DDS_Context& DDS_BaseObj::DdsBase()
+{
+    std::lock_guard<std::mutex> lock(contextMutex);
+    if (contextMade)
+        return context;
+    contextMade = true;
+    if (environmentFlag("ORVANTH_DDS_DISABLE")) {
+        std::cerr << "Orvanth DDS - disabled by ORVANTH_DDS_DISABLE" << std::endl;
+        return context;
+    }
+    if (!domainFromEnvironment(&context.domainId))
+        return context;
+    context.participant = createParticipant(context.domainId);
+    if (!context.participant)
+        std::cerr << "Orvanth DDS - no participant for domain " << context.domainId
+                  << "; DDS is not running" << std::endl;
+    return context;
+}
+
+void DDS_BaseObj::shutdownDds()
+{
+    std::lock_guard<std::mutex> lock(contextMutex);
+    contextMade = true;
+    if (!context.participant)
+        return;
+    context.participant->delete_contained_entities();
+    DomainParticipantFactory::get_instance()->delete_participant(context.participant);
+    context.participant = nullptr;
+}
+
+} // namespace Orvanth
