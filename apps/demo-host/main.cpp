@@ -1,14 +1,43 @@
+// The demo host: reads the application options from its command line, builds the
+// registry and the desktop at the chosen screen size, and runs until the desktop closes.
+//   tz-demo-host [-res 800x480] [-grid 2x4] [-systype handheld|benchtop] [-fullscreen]
+//                [-ORBInitRef NameService=corbaname::127.0.0.1:PORT] [-debug] [-quit-after MS] ...
+
+#include "ApplicationOptions.h"
+#include "GlobalImpl.h"
+#include "HostWindow.h"
+#include "QTZMessageOutputControl.h"
+
 #include <QApplication>
-#include <QFrame>
+#include <QDebug>
+#include <QTimer>
 
 int main(int argc, char* argv[])
 {
     QApplication app(argc, argv);
-    QFrame desktop;
-    desktop.setWindowTitle(QStringLiteral("Orvanth Touch Interface System"));
-    desktop.setObjectName(QStringLiteral("TopWindow"));
-    desktop.setStyleSheet(QStringLiteral("QFrame#TopWindow {    background-color: #000;}"));
-    desktop.resize(800, 480);
-    desktop.show();
-    return app.exec();
+
+    // Option problems are reported before the registry takes over the diagnostic
+    // output, so they are seen whatever the switch says.
+    const ApplicationOptions options(app.arguments());
+    options.apply(&app);
+    QTZMessageOutputControl::m_output = options.debugOutput();
+
+    GlobalImpl* registry = GlobalImpl::getInstance();
+    for (const auto& property : options.properties())
+        qDebug() << "UserInterface - Demo host - option" << property.first << property.second;
+
+    HostWindow window(options.resolution());
+    window.buildDesktop();
+    qDebug() << "UserInterface - Demo host - desktop" << window.size() << "snap points" << registry->gridPoints.size();
+    if (app.property("-fullscreen").toString() == QLatin1String("true"))
+        window.showFullScreen();
+    else
+        window.show();
+
+    if (options.quitAfterMs() >= 0)
+        QTimer::singleShot(options.quitAfterMs(), &window, &QWidget::close);
+
+    const int code = app.exec();
+    qDebug() << "UserInterface - Demo host - exit" << code;
+    return code;
 }

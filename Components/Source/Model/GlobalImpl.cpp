@@ -3,6 +3,7 @@
 #include "Locker.h"
 #include "ProcessManager.h"
 #include "QTZMessageOutputControl.h"
+#include "QTZUtil.h"
 #include "SystemModule.h"
 
 #include <QCoreApplication>
@@ -17,19 +18,6 @@ bool GlobalImpl::instanceFlag = false;
 namespace {
 
 const char* const windowMarker = "TopContainerObject";
-
-// "AxB" with two positive decimal numbers; false for anything else.
-bool parseDimensions(const QString& text, int* first, int* second)
-{
-    const QStringList parts = text.split(QLatin1Char('x'));
-    if (parts.size() != 2)
-        return false;
-    bool firstOk = false;
-    bool secondOk = false;
-    *first = parts.at(0).toInt(&firstOk);
-    *second = parts.at(1).toInt(&secondOk);
-    return firstOk && secondOk && *first > 0 && *second > 0;
-}
 
 // What an exception says beyond its name: the minor code of a system exception, the
 // message of the engine libraries' exceptions.
@@ -116,13 +104,13 @@ void GlobalImpl::computeGridPoints()
 
     int width = 0;
     int height = 0;
-    if (!parseDimensions(resolution.toString(), &width, &height)) {
+    if (!QTZUtil::parseDimensions(resolution.toString(), &width, &height)) {
         qDebug() << "UserInterface - GlobalImpl - no snap points, malformed option -res" << resolution.toString();
         return;
     }
     int rows = 0;
     int columns = 0;
-    if (!parseDimensions(grid.toString(), &rows, &columns)) {
+    if (!QTZUtil::parseDimensions(grid.toString(), &rows, &columns)) {
         qDebug() << "UserInterface - GlobalImpl - no snap points, malformed option -grid" << grid.toString();
         return;
     }

@@ -1,5 +1,7 @@
 #include "QTZUtil.h"
 
+#include <QStringList>
+
 namespace {
 
 const QChar ohmSign(0x2126);
@@ -36,4 +38,20 @@ int QTZUtil::calculateStringWidth(const QFontMetrics& metrics, const QString& te
     QString shown = text;
     replaceOhm(shown, QStringLiteral("O"));
     return metrics.horizontalAdvance(shown);
+}
+
+bool QTZUtil::parseDimensions(const QString& text, int* first, int* second)
+{
+    const QStringList parts = text.split(QLatin1Char('x'));
+    if (parts.size() != 2)
+        return false;
+    bool firstOk = false;
+    bool secondOk = false;
+    const int a = parts.at(0).toInt(&firstOk);
+    const int b = parts.at(1).toInt(&secondOk);
+    if (!firstOk || !secondOk || a <= 0 || b <= 0)
+        return false;
+    *first = a;
+    *second = b;
+    return true;
 }

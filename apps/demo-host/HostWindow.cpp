@@ -1,0 +1,63 @@
+#include "HostWindow.h"
+
+#include "CSS.h"
+#include "DesktopImpl.h"
+#include "GlobalImpl.h"
+#include "SystemModule.h"
+
+#include <QCloseEvent>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QPushButton>
+
+HostWindow::HostWindow(const QSize& screenSize)
+{
+    setObjectName(QStringLiteral("MainWindow"));
+    setWindowTitle(QStringLiteral("Orvanth Touch Interface System"));
+    setFixedSize(screenSize);
+}
+
+DesktopImpl* HostWindow::buildDesktop()
+{
+    m_desktop = new DesktopImpl(this);
+    GlobalImpl* registry = GlobalImpl::getInstance();
+    registry->setDesktop(m_desktop);
+    registry->systemModule()->setSystemScreen(QStringLiteral("MainWindow"), this);
+    buildExitMenu();
+    return m_desktop;
+}
+
+void HostWindow::buildExitMenu()
+{
+    // The exit button lies 80 pixels off the left edge until the handle beside it
+    // slides the menu in.
+    auto* menu = new QFrame(m_desktop);
+    menu->setObjectName(QStringLiteral("ExitMenu"));
+    menu->setStyleSheet(QStringLiteral("QFrame#ExitMenu { background-color: %1; border: 1px solid %2; }"
+                                       "QPushButton { color: white; background-color: transparent; border: none; }")
+                            .arg(CSS::accentRGBA(), CSS::border()));
+    auto* layout = new QHBoxLayout(menu);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+
+    auto* exitButton = new QPushButton(tr("Exit"), menu);
+    exitButton->setObjectName(QStringLiteral("ExitButton"));
+    exitButton->setFixedSize(80, 40);
+    auto* handle = new QPushButton(QStringLiteral(">"), menu);
+    handle->setObjectName(QStringLiteral("ExitMenuHandle"));
+    handle->setFixedSize(30, 40);
+    layout->addWidget(exitButton);
+    layout->addWidget(handle);
+
+    connect(handle, &QPushButton::clicked, m_desktop.data(), &DesktopImpl::toggleExitMenu);
+    connect(exitButton, &QPushButton::clicked, m_desktop.data(), &DesktopImpl::shutdownSlot);
+    menu->setGeometry(-80, height() - 60, 110, 40);
+    menu->show();
+}
+
+void HostWindow::closeEvent(QCloseEvent* event)
+{
+    if (m_desktop)
+        m_desktop->close();
+    event->accept();
+}
