@@ -24,6 +24,7 @@ public:
     void stop();
 
     quint16 port() const { return m_port; }
+    qint64 pid() const { return m_process.processId(); }
     /// "corbaname::127.0.0.1:PORT"
     QString corbaname() const;
     /// {"-ORBInitRef", "NameService=corbaname::127.0.0.1:PORT"}

@@ -17,6 +17,7 @@
 
 #include <OrvanthTopicsPubSubTypes.h>
 
+#include <atomic>
 #include <csignal>
 #include <cstring>
 #include <iostream>
@@ -29,13 +30,17 @@ using namespace Orvanth::TKWW_DDS;
 
 namespace {
 
+std::atomic<bool> stopping{false};
+
 template <class PubSubType>
 void publishWhenMatched(const std::string& topic, const typename PubSubType::type& sample)
 {
-    TopicPublisher<PubSubType> publisher(topic);
-    if (!publisher.waitForSubscribers(1, std::chrono::seconds(30))) {
-        std::cerr << "tz-test-engine: no reader on " << topic << std::endl;
+    if (stopping)
         return;
+    TopicPublisher<PubSubType> publisher(topic);
+    while (!publisher.waitForSubscribers(1, std::chrono::milliseconds(100))) {
+        if (stopping)
+            return;
     }
     if (!publisher.publish(sample) || !publisher.waitForAcknowledgments(std::chrono::seconds(10)))
         std::cerr << "tz-test-engine: " << topic << " was not delivered" << std::endl;
@@ -95,6 +100,10 @@ int main(int argc, char* argv[])
         std::cerr << "tz-test-engine: cannot serve: " << e._name() << std::endl;
         return 2;
     }
+    if (publish && !DDS_BaseObj::DdsBase().participant) {
+        std::cerr << "tz-test-engine: DDS is not running" << std::endl;
+        return 2;
+    }
     std::cout << "READY" << std::endl;
 
     std::thread publisher;
@@ -103,6 +112,7 @@ int main(int argc, char* argv[])
 
     int signal = 0;
     sigwait(&stopSignals, &signal);
+    stopping = true;
     if (publisher.joinable())
         publisher.join();
     module->_remove_ref();
