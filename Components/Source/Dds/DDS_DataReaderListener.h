@@ -1,0 +1,132 @@
+#ifndef ORVANTH_DDS_DATAREADERLISTENER_H
+#define ORVANTH_DDS_DATAREADERLISTENER_H
+
+#include "DDS_SubscriberTraits.h"
+
+#include <fastdds/dds/subscriber/DataReader.hpp>
+#include <fastdds/dds/subscriber/DataReaderListener.hpp>
+#include <fastdds/dds/subscriber/InstanceState.hpp>
+#include <fastdds/dds/subscriber/SampleInfo.hpp>
+
+#include <boost/core/noncopyable.hpp>
+
+#include <atomic>
+#include <exception>
+#include <iostream>
+#include <string>
+
+namespace Orvanth {
+
+template <class T>
+class DDS_Subscriber;
+
+/**
+ * The data-reader listener embedded in every typed subscriber: takes one sample per
+ * notification and hands its value to the subscriber's callback, on the DDS thread that
+ * delivers the notification.
+ */
+template <class T>
+class DDS_DataReaderListener : public eprosima::fastdds::dds::DataReaderListener, private boost::noncopyable
+{
+public:
+    using Sample = typename DDS_SubscriberTraits<T>::TopicType;
+
+    DDS_DataReaderListener() = default;
+
+    /// Set by the setup thread just before the data reader is created.
+    void setSubscriber(DDS_Subscriber<T>* subscriber) { m_subscriber.store(subscriber); }
+
+    void on_data_available(eprosima::fastdds::dds::DataReader* reader) override
+    {
+        // Fast DDS does not catch what a listener throws: an exception leaving this
+        // function would end the process, so the delivery errors end here, logged.
+        try {
+            takeAndDeliver(reader);
+        } catch (const Runtime_errors::Generic& e) {
+            std::cerr << e.message.in() << std::endl;
+        } catch (const std::exception& e) {
+            std::cerr << signature() << " " << e.what() << std::endl;
+        } catch (...) {
+            std::cerr << signature() << " unknown exception from the callback" << std::endl;
+        }
+    }
+
+    /**
+     * Hands one taken sample on: a valid one to the callback once setup is done, an
+     * invalid one only reported by its instance state. Throws Runtime_errors::Generic for
+     * an instance state that explains neither.
+     */
+    void deliver(const Sample& sample, const eprosima::fastdds::dds::SampleInfo& info)
+    {
+        using namespace eprosima::fastdds::dds;
+        DDS_Subscriber<T>* subscriber = m_subscriber.load();
+        if (!subscriber)
+            return;
+        if (info.valid_data) {
+            subscriber->waitForInitDone();
+            subscriber->deliverValue(sample);
+            return;
+        }
+        if (info.instance_state == NOT_ALIVE_DISPOSED_INSTANCE_STATE) {
+            std::cout << signature() << " instance is disposed" << std::endl;
+            return;
+        }
+        if (info.instance_state == NOT_ALIVE_NO_WRITERS_INSTANCE_STATE) {
+            std::cout << signature() << " instance is unregistered" << std::endl;
+            return;
+        }
+        throw Runtime_errors::Generic((signature() + " ERROR: received unknown instance state").c_str());
+    }
+
+    void on_requested_deadline_missed(eprosima::fastdds::dds::DataReader*,
+                                      const eprosima::fastrtps::RequestedDeadlineMissedStatus&) override
+    {
+    }
+    void on_requested_incompatible_qos(eprosima::fastdds::dds::DataReader*,
+                                       const eprosima::fastdds::dds::RequestedIncompatibleQosStatus&) override
+    {
+    }
+    void on_sample_rejected(eprosima::fastdds::dds::DataReader*,
+                            const eprosima::fastrtps::SampleRejectedStatus&) override
+    {
+    }
+    void on_liveliness_changed(eprosima::fastdds::dds::DataReader*,
+                               const eprosima::fastrtps::LivelinessChangedStatus&) override
+    {
+    }
+    void on_subscription_matched(eprosima::fastdds::dds::DataReader*,
+                                 const eprosima::fastdds::dds::SubscriptionMatchedStatus&) override
+    {
+    }
+    void on_sample_lost(eprosima::fastdds::dds::DataReader*, const eprosima::fastdds::dds::SampleLostStatus&) override
+    {
+    }
+
+    /// The text that prefixes this listener's diagnostics.
+    static std::string signature()
+    {
+        return std::string("void Orvanth::DDS_DataReaderListener<T>::on_data_available(DDS::DataReader*) [with T = ")
+               + DDS_SubscriberTraits<T>::payloadName + "]";
+    }
+
+private:
+    void takeAndDeliver(eprosima::fastdds::dds::DataReader* reader)
+    {
+        DDS_Subscriber<T>* subscriber = m_subscriber.load();
+        if (!subscriber || !subscriber->adoptReader(reader))
+            return;
+        // Each delivery thread takes into a sample of its own: a local writer's samples
+        // arrive on the writing thread, remote ones on a receive thread, possibly at once.
+        Sample sample;
+        eprosima::fastdds::dds::SampleInfo info;
+        if (reader->take_next_sample(&sample, &info) != eprosima::fastrtps::types::ReturnCode_t::RETCODE_OK)
+            throw Runtime_errors::Generic((signature() + " take_next_sample error.").c_str());
+        deliver(sample, info);
+    }
+
+    std::atomic<DDS_Subscriber<T>*> m_subscriber{nullptr};
+};
+
+} // namespace Orvanth
+
+#endif

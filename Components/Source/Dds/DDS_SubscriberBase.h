@@ -1,0 +1,270 @@
+#ifndef ORVANTH_DDS_SUBSCRIBERBASE_H
+#define ORVANTH_DDS_SUBSCRIBERBASE_H
+
+#include "DDS_DataReaderListener.h"
+#include "DDS_SetupHook.h"
+#include "DDS_SubscriberTraits.h"
+#include "SerializeSubscriberDestructionMutex.h"
+
+#include "DDS_BaseObj.h"
+
+#include <fastdds/dds/domain/DomainParticipant.hpp>
+#include <fastdds/dds/subscriber/DataReader.hpp>
+#include <fastdds/dds/subscriber/Subscriber.hpp>
+#include <fastdds/dds/subscriber/qos/DataReaderQos.hpp>
+#include <fastdds/dds/topic/Topic.hpp>
+#include <fastdds/dds/topic/TypeSupport.hpp>
+
+#include <boost/bind/bind.hpp>
+#include <boost/core/noncopyable.hpp>
+#include <boost/date_time/posix_time/posix_time_types.hpp>
+#include <boost/function.hpp>
+#include <boost/thread/lock_guard.hpp>
+#include <boost/thread/thread.hpp>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <iostream>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace Orvanth {
+
+/**
+ * Subscribes to one DDS topic whose samples carry a payload \c T and calls a callback of
+ * signature \c F with the topic name and each payload, on a DDS delivery thread.
+ *
+ * The DDS entities are created on a short-lived setup thread, so construction never
+ * blocks; no sample reaches the callback before that setup is done. A failed setup is
+ * reported on standard error and the subscription then delivers nothing.
+ */
+template <class T, class F>
+class DDS_SubscriberBase : public DDS_BaseObj, private boost::noncopyable
+{
+public:
+    using Traits = DDS_SubscriberTraits<T>;
+    using Sample = typename Traits::TopicType;
+    using Callback = boost::function<F>;
+
+    /// The bits of every event class (1 << class, classes 0 to 5).
+    static constexpr std::uint32_t AllEventClasses = 0x3F;
+
+    DDS_SubscriberBase(const std::string& topicName, const Callback& callback, std::int32_t seconds,
+                       std::uint32_t nanoseconds, eprosima::fastdds::dds::DurabilityQosPolicyKind durability)
+        : m_record(new ReaderRecord)
+        , m_topicName(topicName)
+        , m_callback(callback)
+        , m_separation(std::chrono::seconds(seconds) + std::chrono::nanoseconds(nanoseconds))
+    {
+        boost::thread setup(boost::bind(&DDS_SubscriberBase::runSetup, static_cast<DDS_Subscriber<T>*>(this),
+                                        long(seconds), static_cast<unsigned long>(nanoseconds), durability));
+        setup.detach();
+    }
+
+    ~DDS_SubscriberBase() override
+    {
+        boost::lock_guard<boost::mutex> lock(SerializeSubscriberDestructionMutex);
+        waitForSetupEnd();
+        eprosima::fastdds::dds::DomainParticipant* participant = DdsBase().participant;
+        // A null participant here means DDS was shut down, which deleted our entities too.
+        if (participant && m_subscriber)
+            m_subscriber->delete_contained_entities();
+        m_record->reader = nullptr;
+        m_dataReader = nullptr;
+        if (participant) {
+            if (m_subscriber)
+                participant->delete_subscriber(m_subscriber);
+            // Refused while another subscriber or publisher of this process still uses
+            // the topic; the last user's delete (or the participant's end) removes it.
+            if (m_topic)
+                participant->delete_topic(m_topic);
+        }
+        m_subscriber = nullptr;
+        m_topic = nullptr;
+        m_record.reset();
+    }
+
+    /**
+     * The setup, run on the setup thread: creates the DDS subscriber, topic and data
+     * reader. Throws Connection_errors::Not_Connected, after writing the same text to
+     * standard error, when an entity cannot be created.
+     */
+    static void InitSubBase(DDS_Subscriber<T>* self, long seconds, unsigned long nanoseconds,
+                            eprosima::fastdds::dds::DurabilityQosPolicyKind durability)
+    {
+        using namespace eprosima::fastdds::dds;
+        using eprosima::fastrtps::types::ReturnCode_t;
+
+        DomainParticipant* participant = DdsBase().participant;
+        if (!participant)
+            fail(" err: Participant NULL");
+
+        self->m_subscriber = participant->create_subscriber(SUBSCRIBER_QOS_DEFAULT, nullptr, StatusMask::all());
+        if (!self->m_subscriber)
+            fail(" err: create_subscriber");
+
+        if (self->m_record->typeSupport.register_type(participant, "") != ReturnCode_t::RETCODE_OK)
+            fail(" err: Osts->register_type");
+
+        const std::string typeName = self->m_record->typeSupport.get_type_name();
+        self->m_topic = participant->create_topic(self->m_topicName, typeName, TOPIC_QOS_DEFAULT, nullptr,
+                                                  StatusMask::all());
+        // Another subscriber or publisher of this process may have created the topic.
+        if (!self->m_topic)
+            self->m_topic = participant->find_topic(self->m_topicName, eprosima::fastrtps::Duration_t(0, 0));
+        if (!self->m_topic)
+            fail(" err: Participant->create_topic [" + typeName + "] [" + self->m_topicName + "]");
+
+        DataReaderQos qos;
+        if (self->m_subscriber->get_default_datareader_qos(qos) != ReturnCode_t::RETCODE_OK)
+            std::cout << "DDS_Subscriber:: ERROR: create_datareader failed" << std::endl;
+        qos.durability().kind = durability;
+        qos.history().kind = KEEP_ALL_HISTORY_QOS;
+        qos.time_based_filter().minimum_separation =
+            eprosima::fastrtps::Duration_t(int32_t(seconds), uint32_t(nanoseconds));
+        // The default reader is best effort: a sample lost on the wire (an event message,
+        // a lock change) would vanish without a trace. A reliable reader has it resent.
+        qos.reliability().kind = RELIABLE_RELIABILITY_QOS;
+        // Shared-memory data sharing does not deliver fixed-size types between processes
+        // here; every sample goes through the loopback transport.
+        qos.data_sharing().off();
+
+        self->m_listener.setSubscriber(self);
+        self->m_dataReader = self->m_subscriber->create_datareader(self->m_topic, qos, &self->m_listener,
+                                                                   StatusMask::all());
+        if (!self->m_dataReader)
+            fail(" err: Subscriber->create_datareader");
+
+        DDS_SetupHook::run(self->m_topicName);
+        boost::this_thread::at_thread_exit(boost::bind(&DDS_SubscriberBase::FinishedInitSubBase, self));
+    }
+
+    /// Marks the setup as done; the setup thread's last action after a successful setup.
+    void FinishedInitSubBase() { m_initDone.store(true); }
+
+    /// Returns once the setup has ended: done, or failed (then nothing will be delivered).
+    void waitForInitDone() const
+    {
+        while (!m_initDone.load() && !m_initFailed.load())
+            sleepOneMillisecond();
+    }
+
+    bool isInitDone() const { return m_initDone.load(); }
+    bool initFailed() const { return m_initFailed.load(); }
+
+    const std::string& topicName() const { return m_topicName; }
+
+    /// Event messages only: the classes (bit 1 << class) whose messages reach the callback.
+    void setClassMask(std::uint32_t mask) { m_classMask.store(mask); }
+    std::uint32_t classMask() const { return m_classMask.load(); }
+
+    /// The embedded listener, which takes and hands on every sample.
+    DDS_DataReaderListener<T>& listener() { return m_listener; }
+
+    /// The text that prefixes the setup's failure messages.
+    static std::string signature()
+    {
+        return std::string("void Orvanth::DDS_SubscriberBase<T, U>::InitSubBase(Orvanth::DDS_Subscriber<T>*, long "
+                           "int, long unsigned int, DDS::DurabilityQosPolicyKind) [with T = ")
+               + Traits::payloadName + ", F = " + Traits::callbackName + "]";
+    }
+
+protected:
+    friend class DDS_DataReaderListener<T>;
+
+    /// What the data reader needs besides the DDS entities: its type support and the
+    /// reader the notifications come from.
+    struct ReaderRecord
+    {
+        eprosima::fastdds::dds::TypeSupport typeSupport{new typename Traits::PubSubType()};
+        std::atomic<eprosima::fastdds::dds::DataReader*> reader{nullptr};
+    };
+
+    /// Keeps \a reader when it reads this subscriber's topic type; false otherwise.
+    bool adoptReader(eprosima::fastdds::dds::DataReader* reader)
+    {
+        if (!reader || reader->type().get_type_name() != m_record->typeSupport.get_type_name())
+            return false;
+        m_record->reader.store(reader);
+        return true;
+    }
+
+    /// Hands one valid sample's value to the callback unless the separation drops it.
+    void deliverValue(const Sample& sample)
+    {
+        if (!admitNow())
+            return;
+        Traits::deliver(m_callback, m_topicName.c_str(), sample, m_classMask.load());
+    }
+
+private:
+    static void runSetup(DDS_Subscriber<T>* self, long seconds, unsigned long nanoseconds,
+                         eprosima::fastdds::dds::DurabilityQosPolicyKind durability)
+    {
+        // An exception leaving a detached thread's function ends the process. The failure
+        // has been written to standard error already; the flag lets teardown go on.
+        try {
+            InitSubBase(self, seconds, nanoseconds, durability);
+        } catch (const Connection_errors::Not_Connected&) {
+            self->m_initFailed.store(true);
+        } catch (const std::exception& e) {
+            std::cerr << signature() << " " << e.what() << std::endl;
+            self->m_initFailed.store(true);
+        }
+    }
+
+    [[noreturn]] static void fail(const std::string& message)
+    {
+        const std::string text = signature() + message;
+        std::cerr << text << std::endl;
+        throw Connection_errors::Not_Connected(text.c_str());
+    }
+
+    static void sleepOneMillisecond()
+    {
+        boost::this_thread::sleep(boost::posix_time::microsec_clock::universal_time()
+                                  + boost::posix_time::milliseconds(1));
+    }
+
+    void waitForSetupEnd() const { waitForInitDone(); }
+
+    /**
+     * Fast DDS accepts a time-based filter in the reader QoS but does not apply it, so the
+     * minimum separation is enforced here: a sample arriving sooner than the separation
+     * after the last delivered one is dropped.
+     */
+    bool admitNow()
+    {
+        if (m_separation.count() == 0)
+            return true;
+        const auto now = std::chrono::steady_clock::now();
+        std::lock_guard<std::mutex> lock(m_separationMutex);
+        if (m_delivered && now - m_lastDelivery < m_separation)
+            return false;
+        m_delivered = true;
+        m_lastDelivery = now;
+        return true;
+    }
+
+    std::unique_ptr<ReaderRecord> m_record;
+    eprosima::fastdds::dds::Topic* m_topic = nullptr;
+    eprosima::fastdds::dds::DataReader* m_dataReader = nullptr;
+    eprosima::fastdds::dds::Subscriber* m_subscriber = nullptr;
+    const std::string m_topicName;
+    DDS_DataReaderListener<T> m_listener;
+    const Callback m_callback;
+    std::atomic<bool> m_initDone{false};
+    std::atomic<bool> m_initFailed{false};
+    std::atomic<std::uint32_t> m_classMask{AllEventClasses};
+
+    const std::chrono::nanoseconds m_separation;
+    std::mutex m_separationMutex;
+    bool m_delivered = false;
+    std::chrono::steady_clock::time_point m_lastDelivery;
+};
+
+} // namespace Orvanth
+
+#endif

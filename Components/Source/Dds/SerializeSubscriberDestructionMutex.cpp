@@ -1,0 +1,7 @@
+#include "SerializeSubscriberDestructionMutex.h"
+
+namespace Orvanth {
+
+boost::mutex SerializeSubscriberDestructionMutex;
+
+} // namespace Orvanth

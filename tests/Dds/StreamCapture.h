@@ -1,0 +1,50 @@
+#ifndef STREAMCAPTURE_H
+#define STREAMCAPTURE_H
+
+#include <QMutex>
+#include <QString>
+
+#include <iostream>
+#include <streambuf>
+#include <string>
+
+/// Collects what any thread writes to \a stream (std::cout or std::cerr) while it lives.
+class StreamCapture : public std::streambuf
+{
+public:
+    explicit StreamCapture(std::ostream& stream) : m_stream(stream), m_previous(stream.rdbuf(this)) {}
+    ~StreamCapture() override { m_stream.rdbuf(m_previous); }
+
+    QString text()
+    {
+        QMutexLocker lock(&m_mutex);
+        return QString::fromStdString(m_text);
+    }
+
+    int count(const QString& needle) { return text().count(needle); }
+
+protected:
+    int_type overflow(int_type c) override
+    {
+        if (c != traits_type::eof()) {
+            QMutexLocker lock(&m_mutex);
+            m_text.push_back(char(c));
+        }
+        return c;
+    }
+
+    std::streamsize xsputn(const char* data, std::streamsize size) override
+    {
+        QMutexLocker lock(&m_mutex);
+        m_text.append(data, std::size_t(size));
+        return size;
+    }
+
+private:
+    std::ostream& m_stream;
+    std::streambuf* m_previous;
+    QMutex m_mutex;
+    std::string m_text;
+};
+
+#endif
