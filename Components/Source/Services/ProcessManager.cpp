@@ -24,7 +24,7 @@ void ProcessManager::startProcess(QString command)
     qDebug() << "UserInterface - ProcessManager::startProcess -" << command;
 
     QStringList arguments = QProcess::splitCommand(command);
-    if (arguments.isEmpty()) {
+    if (arguments.isEmpty() || arguments.first().isEmpty()) {
         qDebug() << "UserInterface - ProcessManager::startProcess - nothing to start in" << command;
         return;
     }
