@@ -1,0 +1,212 @@
+#include "SimulatedEngine.h"
+
+#include "SimulatorConsole.h"
+
+#include "Locker.h"
+
+#include <ctime>
+#include <string>
+
+using namespace Orvanth;
+using namespace Orvanth::TKWW_DDS;
+
+namespace {
+
+std::chrono::steady_clock::duration periodOf(double seconds)
+{
+    return std::chrono::duration_cast<std::chrono::steady_clock::duration>(std::chrono::duration<double>(seconds));
+}
+
+std::string modulePath(int index)
+{
+    return std::string(SimulatedEngine::ModuleContext) + "/" + std::to_string(index);
+}
+
+} // namespace
+
+SimulatedEngine::SimulatedEngine(const SimulatorOptions& options)
+    : m_options(options)
+    , m_server(options.orbOptions)
+    , m_lockManager(new LockManagerServant)
+    , m_attributes(options)
+    , m_moduleTopic(ModuleTopic)
+    , m_eventTopic(EventTopic)
+    , m_powerTopic(PowerTopic)
+    , m_batteryTopic(BatteryTopic)
+    , m_events(options.eventClasses)
+    , m_battery(options.batteryStart, options.batteryDrain, options.batteryFloor, options.externalPower)
+{
+}
+
+SimulatedEngine::~SimulatedEngine()
+{
+    stop();
+    for (auto& module : m_modules)
+        module.second->_remove_ref();
+    m_lockManager->_remove_ref();
+}
+
+void SimulatedEngine::start()
+{
+    CORBA::Object_var manager = m_server.serve(Locker::ManagerPath, m_lockManager);
+    for (int index = 1; index <= m_options.modules; ++index)
+        bindModule(index);
+    m_worker = std::thread(&SimulatedEngine::run, this);
+}
+
+void SimulatedEngine::stop()
+{
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_stopping)
+            return;
+        m_stopping = true;
+    }
+    m_wake.notify_all();
+    if (m_worker.joinable())
+        m_worker.join();
+    for (auto& bound : m_bound) {
+        if (bound.second)
+            unbindModule(bound.first);
+    }
+    try {
+        m_server.UnbindName(Locker::ManagerPath);
+    } catch (const CORBA::Exception& e) {
+        announce(std::string("cannot unbind the lock manager: ") + e._name());
+    }
+    m_server.deactivate(m_lockManager);
+    m_attributes.deactivate(m_server);
+}
+
+void SimulatedEngine::bindModule(int index)
+{
+    GuiAbleServant*& module = m_modules[index];
+    if (!module) {
+        module = new GuiAbleServant;
+        m_attributes.addTo(m_server, *module);
+    }
+    CORBA::Object_var object = m_server.serve(modulePath(index), module);
+    m_bound[index] = true;
+    const std::string announcement = "create," + std::to_string(index);
+    ATTR_STRING sample;
+    sample.value(announcement);
+    m_moduleTopic.publish(sample);
+    announce("MODULE " + announcement);
+}
+
+void SimulatedEngine::unbindModule(int index)
+{
+    try {
+        m_server.UnbindName(modulePath(index));
+    } catch (const CORBA::Exception& e) {
+        announce("cannot unbind " + modulePath(index) + ": " + e._name());
+    }
+    m_server.deactivate(m_modules[index]);
+    m_bound[index] = false;
+    const std::string announcement = "destroy," + std::to_string(index);
+    ATTR_STRING sample;
+    sample.value(announcement);
+    m_moduleTopic.publish(sample);
+    announce("MODULE " + announcement);
+}
+
+void SimulatedEngine::publishEvent()
+{
+    ATTR_EVENT sample;
+    sample.value(m_events.next(std::int64_t(std::time(nullptr))));
+    m_eventTopic.publish(sample);
+}
+
+void SimulatedEngine::publishBattery(int elapsedMs)
+{
+    if (m_battery.advance(elapsedMs))
+        announce(std::string("POWER ") + (m_battery.externalPower() ? "external" : "battery"));
+    // Both are sent with every reading: readers are volatile, so one that joins late
+    // learns the power state from the next reading instead of waiting for a change.
+    ATTR_BOOLEAN power;
+    power.value(m_battery.externalPower());
+    m_powerTopic.publish(power);
+
+    MeterReading::ReadingEntry entry;
+    entry.name("BATTERYSTATUS1");
+    entry.timestamp(std::int64_t(std::time(nullptr)));
+    entry.value(m_battery.level());
+    ATTR_METER_READING reading;
+    reading.value().readings().push_back(entry);
+    reading.value().status(0);
+    m_batteryTopic.publish(reading);
+}
+
+void SimulatedEngine::churnModule()
+{
+    const int index = m_options.modules;
+    if (index < 1)
+        return;
+    try {
+        if (m_bound[index])
+            unbindModule(index);
+        else
+            bindModule(index);
+    } catch (const CORBA::Exception& e) {
+        announce("module " + std::to_string(index) + " churn failed: " + e._name());
+    }
+}
+
+void SimulatedEngine::run()
+{
+    const Clock::time_point begin = Clock::now();
+    const bool events = m_options.eventsPerSecond > 0.0;
+    const bool churn = m_options.moduleChurnSeconds > 0.0;
+    const bool lockToggle = m_options.lockToggleSeconds > 0.0;
+    const Clock::duration eventPeriod = events ? periodOf(1.0 / m_options.eventsPerSecond) : Clock::duration::max();
+    const Clock::duration batteryPeriod = std::chrono::milliseconds(m_options.batteryPeriodMs);
+    const Clock::duration valuePeriod = std::chrono::milliseconds(m_options.valuePeriodMs);
+    const Clock::duration churnPeriod = periodOf(m_options.moduleChurnSeconds);
+    const Clock::duration lockPeriod = periodOf(m_options.lockToggleSeconds);
+
+    Clock::time_point nextEvent = begin + eventPeriod;
+    Clock::time_point nextBattery = begin;
+    Clock::time_point lastBattery = begin;
+    Clock::time_point nextValues = begin;
+    Clock::time_point nextChurn = begin + churnPeriod;
+    Clock::time_point nextLock = begin + lockPeriod;
+
+    std::unique_lock<std::mutex> lock(m_mutex);
+    while (!m_stopping) {
+        lock.unlock();
+        const Clock::time_point now = Clock::now();
+        if (events && now >= nextEvent) {
+            publishEvent();
+            nextEvent += eventPeriod;
+            // After a stall, go on at the rate instead of sending the backlog at once.
+            if (now - nextEvent > std::chrono::seconds(1))
+                nextEvent = now + eventPeriod;
+        }
+        if (now >= nextBattery) {
+            publishBattery(int(std::chrono::duration_cast<std::chrono::milliseconds>(now - lastBattery).count()));
+            lastBattery = now;
+            nextBattery = now + batteryPeriod;
+        }
+        if (now >= nextValues) {
+            m_attributes.publishValues();
+            nextValues = now + valuePeriod;
+        }
+        if (churn && now >= nextChurn) {
+            churnModule();
+            nextChurn = now + churnPeriod;
+        }
+        if (lockToggle && now >= nextLock) {
+            m_attributes.toggleEngineLock(*m_lockManager);
+            nextLock = now + lockPeriod;
+        }
+        Clock::time_point wakeAt = std::min({nextBattery, nextValues});
+        if (events)
+            wakeAt = std::min(wakeAt, nextEvent);
+        if (churn)
+            wakeAt = std::min(wakeAt, nextChurn);
+        if (lockToggle)
+            wakeAt = std::min(wakeAt, nextLock);
+        lock.lock();
+        m_wake.wait_until(lock, wakeAt, [this] { return m_stopping; });
+    }
+}

@@ -1,0 +1,81 @@
+#ifndef SIMULATEDENGINE_H
+#define SIMULATEDENGINE_H
+
+#include "BatteryModel.h"
+#include "EventSource.h"
+#include "SimulatedAttributes.h"
+#include "SimulatorOptions.h"
+
+#include "EngineServer.h"
+#include "GuiAbleServant.h"
+#include "LockManagerServant.h"
+#include "TopicPublisher.h"
+
+#include <OrvanthTopicsPubSubTypes.h>
+
+#include <condition_variable>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+/**
+ * The instrument's engines as the user interface sees them: GUI modules bound under
+ * Lumaro/local/GUI_ABLE, the lock manager bound as Lumaro/local/Locker, the attributes,
+ * and a worker thread that publishes event messages, battery readings, mains power and
+ * module announcements at the rates the options give.
+ */
+class SimulatedEngine
+{
+public:
+    static constexpr const char* ModuleContext = "Lumaro/local/GUI_ABLE";
+    static constexpr const char* ModuleTopic = "Lumaro/local/GUI_ABLE";
+    static constexpr const char* EventTopic = "Lumaro/local/EVTMSG";
+    static constexpr const char* PowerTopic = "Lumaro/local/ExternalVoltage";
+    static constexpr const char* BatteryTopic = "Lumaro/local/SYSTEM/1/BATTERYSTATUS1";
+
+    /// Starts the ORB and creates the publishers; throws a CORBA exception or
+    /// Orvanth::Connection_errors::Not_Connected when either is unavailable.
+    explicit SimulatedEngine(const SimulatorOptions& options);
+    ~SimulatedEngine();
+
+    SimulatedEngine(const SimulatedEngine&) = delete;
+    SimulatedEngine& operator=(const SimulatedEngine&) = delete;
+
+    /// Binds the lock manager and the modules, announces the modules and starts publishing.
+    void start();
+    /// Stops publishing, unbinds and announces the end of every module, unbinds the manager.
+    void stop();
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void run();
+    void bindModule(int index);
+    void unbindModule(int index);
+    void publishEvent();
+    void publishBattery(int elapsedMs);
+    void churnModule();
+
+    const SimulatorOptions m_options;
+    Orvanth::EngineServer m_server;
+    Orvanth::LockManagerServant* m_lockManager;
+    SimulatedAttributes m_attributes;
+    std::map<int, Orvanth::GuiAbleServant*> m_modules; // index -> servant, bound or not
+    std::map<int, bool> m_bound;
+
+    Orvanth::TopicPublisher<Orvanth::TKWW_DDS::ATTR_STRINGPubSubType> m_moduleTopic;
+    Orvanth::TopicPublisher<Orvanth::TKWW_DDS::ATTR_EVENTPubSubType> m_eventTopic;
+    Orvanth::TopicPublisher<Orvanth::TKWW_DDS::ATTR_BOOLEANPubSubType> m_powerTopic;
+    Orvanth::TopicPublisher<Orvanth::TKWW_DDS::ATTR_METER_READINGPubSubType> m_batteryTopic;
+
+    EventSource m_events;
+    BatteryModel m_battery;
+
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    bool m_stopping = false;
+    std::thread m_worker;
+};
+
+#endif

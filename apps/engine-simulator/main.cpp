@@ -1,0 +1,59 @@
+// tz-engine-simulator: plays the instrument's engines for the demo desktop and the tests.
+// See SimulatorOptions::usage() (--help) for what it does and how it is steered.
+
+#include "SimulatedEngine.h"
+#include "SimulatorOptions.h"
+
+#include "DDS_BaseObj.h"
+#include "ORB_base.h"
+
+#include <csignal>
+#include <iostream>
+#include <memory>
+#include <pthread.h>
+
+int main(int argc, char* argv[])
+{
+    // Block the stop signals before any ORB or DDS thread exists, so only sigwait sees them.
+    sigset_t stopSignals;
+    sigemptyset(&stopSignals);
+    sigaddset(&stopSignals, SIGTERM);
+    sigaddset(&stopSignals, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+
+    SimulatorOptions options;
+    std::string error;
+    if (!options.parse(argc, argv, &error)) {
+        std::cerr << "tz-engine-simulator: " << error << "\n\n" << SimulatorOptions::usage();
+        return 2;
+    }
+    if (options.help) {
+        std::cout << SimulatorOptions::usage();
+        return 0;
+    }
+
+    int status = 0;
+    {
+        std::unique_ptr<SimulatedEngine> engine;
+        try {
+            engine = std::make_unique<SimulatedEngine>(options);
+            engine->start();
+        } catch (const Orvanth::Connection_errors::Not_Connected& e) {
+            std::cerr << "tz-engine-simulator: " << e.message.in() << std::endl;
+            status = 2;
+        } catch (const CORBA::Exception& e) {
+            std::cerr << "tz-engine-simulator: cannot serve: " << e._name() << std::endl;
+            status = 2;
+        }
+        if (status == 0) {
+            std::cout << "READY" << std::endl;
+            int signal = 0;
+            sigwait(&stopSignals, &signal);
+            std::cout << "STOPPING" << std::endl;
+            engine->stop();
+        }
+    }
+    ORB_base::destroyProcessOrb();
+    Orvanth::DDS_BaseObj::shutdownDds();
+    return status;
+}
