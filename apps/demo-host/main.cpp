@@ -38,6 +38,10 @@ int main(int argc, char* argv[])
         QTimer::singleShot(options.quitAfterMs(), &window, &QWidget::close);
 
     const int code = app.exec();
+    // After the exit button the window is still open: closing it takes the desktop and
+    // the registry with it, as a close by the user does.
+    if (window.isVisible())
+        window.close();
     qDebug() << "UserInterface - Demo host - exit" << code;
     return code;
 }

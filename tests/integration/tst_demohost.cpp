@@ -77,6 +77,8 @@ void TestDemoHost::buildsDesktopAndQuitsOnClose()
                              "UserInterface - Demo host - exit 0"};
     for (const QString& expected : always + expectedLines)
         QVERIFY2(lines.contains(expected), qPrintable(expected + QStringLiteral("\n--- got:\n") + errorOutput));
+    // Closing takes the one registry away; nothing builds a second one on the way out.
+    QCOMPARE(lines.count(QStringLiteral("UserInterface - Global::Global")), 1);
 }
 
 void TestDemoHost::diagnosticsStayOffWithoutDebug()
