@@ -44,15 +44,11 @@ void TestApplicationOptions::parsesCommandLine_data()
         << QStringList{"-fullscreen", "-animation", "false", "-notransparency", "true"}
         << Properties{{"-fullscreen", "true"}, {"-animation", "false"}, {"-notransparency", "true"}} << fallback
         << false << -1 << 0;
-    QTest::newRow("switch followed by another option")
-        << QStringList{"-fullscreen", "-res", "1280x800"}
-        << Properties{{"-fullscreen", "true"}, {"-res", "1280x800"}} << QSize(1280, 800) << false << -1 << 0;
     QTest::newRow("host options") << QStringList{"-debug", "-quit-after", "250"} << Properties{} << fallback << true
                                   << 250 << 0;
     QTest::newRow("malformed resolution and grid")
         << QStringList{"-res", "800by480", "-grid", "2x", "-systype", "benchtop"}
         << Properties{{"-systype", "benchtop"}} << fallback << false << -1 << 2;
-    QTest::newRow("zero-sized resolution") << QStringList{"-res", "0x0"} << Properties{} << fallback << false << -1 << 1;
     QTest::newRow("value missing at the end") << QStringList{"-res", "800x480", "-systype"}
                                               << Properties{{"-res", "800x480"}} << fallback << false << -1 << 1;
     QTest::newRow("unknown arguments") << QStringList{"--res", "800x480", "-res"} << Properties{} << fallback << false
@@ -62,9 +58,6 @@ void TestApplicationOptions::parsesCommandLine_data()
     QTest::newRow("last repetition counts")
         << QStringList{"-res", "800x480", "-systype", "handheld", "-res", "1280x800", "-res", "bad"}
         << Properties{{"-res", "1280x800"}, {"-systype", "handheld"}} << QSize(1280, 800) << false << -1 << 1;
-    QTest::newRow("non-ASCII value kept") << QStringList{"currentLanguage", "\u4e2d\u6587"}
-                                          << Properties{{"currentLanguage", "\u4e2d\u6587"}} << fallback << false << -1
-                                          << 0;
 }
 
 void TestApplicationOptions::parsesCommandLine()
