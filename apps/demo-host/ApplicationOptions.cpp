@@ -22,8 +22,9 @@ ApplicationOptions::ApplicationOptions(const QStringList& arguments)
     for (int i = 1; i < arguments.size(); ++i) {
         const QString& name = arguments.at(i);
         const bool hasNext = i + 1 < arguments.size();
+        const QString next = hasNext ? arguments.at(i + 1) : QString();
         if (switchOptions.contains(name)) {
-            if (hasNext && (arguments.at(i + 1) == QLatin1String("true") || arguments.at(i + 1) == QLatin1String("false")))
+            if (next == QLatin1String("true") || next == QLatin1String("false"))
                 set(name, arguments.at(++i));
             else
                 set(name, QStringLiteral("true"));
@@ -36,13 +37,12 @@ ApplicationOptions::ApplicationOptions(const QStringList& arguments)
             m_debugOutput = true;
         } else if (name == QLatin1String("-quit-after")) {
             bool ok = false;
-            const int ms = hasNext ? arguments.at(i + 1).toInt(&ok) : -1;
+            const int ms = next.toInt(&ok);
             if (ok && ms >= 0) {
                 m_quitAfterMs = ms;
                 ++i;
             } else {
-                qDebug() << "UserInterface - Demo host - ignoring malformed option" << name
-                         << (hasNext ? arguments.at(i + 1) : QString());
+                qDebug() << "UserInterface - Demo host - ignoring malformed option" << name << next;
             }
         } else {
             qDebug() << "UserInterface - Demo host - ignoring unknown argument" << name;

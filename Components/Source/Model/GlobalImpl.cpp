@@ -24,8 +24,9 @@ const char* const windowMarker = "TopContainerObject";
 QString exceptionInfo(const CORBA::Exception& exception)
 {
     if (const auto* system = CORBA::SystemException::_downcast(&exception)) {
-        const char* minor = system->NP_minorString();
-        return QStringLiteral("minor %1%2").arg(system->minor()).arg(minor ? QStringLiteral(" (%1)").arg(minor) : QString());
+        const char* minorName = system->NP_minorString();
+        const QString minor = QStringLiteral("minor %1").arg(system->minor());
+        return minorName ? minor + QStringLiteral(" (%1)").arg(QLatin1String(minorName)) : minor;
     }
     if (const auto* generic = Orvanth::Runtime_errors::Generic::_downcast(&exception))
         return QString::fromUtf8(generic->message);
@@ -257,8 +258,8 @@ Orvanth::LockerID GlobalImpl::getLockerID()
     } catch (const CORBA::Exception& exception) {
         // The position is part of the line's fixed text, which log readers search for.
         qDebug().noquote() << "UserInterface -" << "Components/Source/Model/GlobalImpl:285";
-        qDebug().noquote() << QStringLiteral("               ") + QString::fromLatin1(exception._name()) + QLatin1Char(' ')
-                                  + exceptionInfo(exception);
+        const QString name = QString::fromLatin1(exception._name());
+        qDebug().noquote() << QStringLiteral("               ") + name + QLatin1Char(' ') + exceptionInfo(exception);
     }
     return id;
 }
