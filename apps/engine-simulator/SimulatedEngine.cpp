@@ -69,6 +69,8 @@ void SimulatedEngine::stop()
         if (bound.second)
             unbindModule(bound.first);
     }
+    // The last announcements must leave before the process and its writer go.
+    m_moduleTopic.waitForAcknowledgments(std::chrono::seconds(2));
     try {
         m_server.UnbindName(Locker::ManagerPath);
     } catch (const CORBA::Exception& e) {

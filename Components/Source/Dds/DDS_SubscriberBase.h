@@ -156,6 +156,16 @@ public:
 
     const std::string& topicName() const { return m_topicName; }
 
+    /// How many writers the data reader is matched with now; 0 before setup is done.
+    int matchedPublishers() const
+    {
+        if (!m_initDone.load())
+            return 0;
+        eprosima::fastdds::dds::SubscriptionMatchedStatus status;
+        m_dataReader->get_subscription_matched_status(status);
+        return status.current_count;
+    }
+
     /// Event messages only: the classes (bit 1 << class) whose messages reach the callback.
     void setClassMask(std::uint32_t mask) { m_classMask.store(mask); }
     std::uint32_t classMask() const { return m_classMask.load(); }
