@@ -1,5 +1,6 @@
 #include "GlobalImpl.h"
 
+#include "ApplicationOrb.h"
 #include "Locker.h"
 #include "ProcessManager.h"
 #include "QTZMessageOutputControl.h"
@@ -211,6 +212,7 @@ void GlobalImpl::verifyLockerCreated()
     if (m_locker)
         return;
     try {
+        ApplicationOrb::start();
         m_locker = std::make_unique<Orvanth::Locker>();
     } catch (...) {
         qDebug() << "Failed to instantiate UI Locker";
