@@ -29,6 +29,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <type_traits>
 
 namespace Orvanth {
 
@@ -48,9 +49,14 @@ public:
     using Sample = typename Traits::TopicType;
     using Callback = boost::function<F>;
 
+    static_assert(std::is_same<F, typename Traits::Callback>::value,
+                  "the callback signature is the one the payload's traits give");
+
     /// The bits of every event class (1 << class, classes 0 to 5).
     static constexpr std::uint32_t AllEventClasses = 0x3F;
 
+protected:
+    // Only DDS_Subscriber<T> derives: the setup thread is handed this object as one.
     DDS_SubscriberBase(const std::string& topicName, const Callback& callback, std::int32_t seconds,
                        std::uint32_t nanoseconds, eprosima::fastdds::dds::DurabilityQosPolicyKind durability)
         : m_record(new ReaderRecord)
@@ -63,6 +69,7 @@ public:
         setup.detach();
     }
 
+public:
     ~DDS_SubscriberBase() override
     {
         boost::lock_guard<boost::mutex> lock(SerializeSubscriberDestructionMutex);
@@ -155,16 +162,6 @@ public:
     bool initFailed() const { return m_initFailed.load(); }
 
     const std::string& topicName() const { return m_topicName; }
-
-    /// How many writers the data reader is matched with now; 0 before setup is done.
-    int matchedPublishers() const
-    {
-        if (!m_initDone.load())
-            return 0;
-        eprosima::fastdds::dds::SubscriptionMatchedStatus status;
-        m_dataReader->get_subscription_matched_status(status);
-        return status.current_count;
-    }
 
     /// Event messages only: the classes (bit 1 << class) whose messages reach the callback.
     void setClassMask(std::uint32_t mask) { m_classMask.store(mask); }
