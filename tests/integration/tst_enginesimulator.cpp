@@ -192,8 +192,14 @@ void TestEngineSimulator::bindsModulesWithAttributes()
     scenario.write("# three modules, menu bar stays open\nmodules = 3\nmenubar-timeout 60\n");
     scenario.close();
 
+    // The naming service given as an ORB option instead of through the environment.
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("ORBInitRef"));
     ChildProcess simulator;
-    QVERIFY(startSimulator(simulator, {"--scenario", scenario.fileName(), "--events-per-second", "0"}));
+    QVERIFY(simulator.start(QStringLiteral(TZ_ENGINE_SIMULATOR),
+                            QStringList{"--scenario", scenario.fileName(), "--events-per-second", "0"}
+                                + m_naming.orbArguments(),
+                            environment));
     QCOMPARE(moduleNames(), (std::vector<std::string>{"1", "2", "3"}));
 
     struct Expected
