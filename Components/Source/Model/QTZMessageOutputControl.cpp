@@ -15,7 +15,8 @@ void QTZMessageOutputControl::messageOutput(QtMsgType type, const QMessageLogCon
 {
     if (!m_output)
         return;
-    const QByteArray text = message.toLocal8Bit();
+    // UTF-8 whatever the locale: engine texts are UTF-8 and must not turn into question marks.
+    const QByteArray text = message.toUtf8();
     std::fprintf(stderr, "%s\n", text.constData());
     std::fflush(stderr);
     if (type == QtFatalMsg)
