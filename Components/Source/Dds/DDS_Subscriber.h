@@ -22,11 +22,14 @@ public:
 
     DDS_Subscriber(const std::string& topicName, const typename Base::Callback& callback, std::int32_t seconds,
                    std::uint32_t nanoseconds, eprosima::fastdds::dds::DurabilityQosPolicyKind durability)
-        : Base(topicName, callback, seconds, nanoseconds, durability)
+        : Base(topicName, callback, seconds, nanoseconds)
     {
+        Base::startSetup(this, long(seconds), static_cast<unsigned long>(nanoseconds), durability);
     }
 
-    ~DDS_Subscriber() override = default;
+    /// Waits for a setup still running, then deletes the DDS entities; serialised with
+    /// every other subscriber's teardown.
+    ~DDS_Subscriber() override { this->tearDown(); }
 };
 
 } // namespace Orvanth

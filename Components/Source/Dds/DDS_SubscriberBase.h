@@ -55,22 +55,30 @@ public:
     /// The bits of every event class (1 << class, classes 0 to 5).
     static constexpr std::uint32_t AllEventClasses = 0x3F;
 
+    ~DDS_SubscriberBase() override = default;
+
 protected:
-    // Only DDS_Subscriber<T> derives: the setup thread is handed this object as one.
     DDS_SubscriberBase(const std::string& topicName, const Callback& callback, std::int32_t seconds,
-                       std::uint32_t nanoseconds, eprosima::fastdds::dds::DurabilityQosPolicyKind durability)
+                       std::uint32_t nanoseconds)
         : m_record(new ReaderRecord)
         , m_topicName(topicName)
         , m_callback(callback)
         , m_separation(std::chrono::seconds(seconds) + std::chrono::nanoseconds(nanoseconds))
     {
-        boost::thread setup(boost::bind(&DDS_SubscriberBase::runSetup, static_cast<DDS_Subscriber<T>*>(this),
-                                        long(seconds), static_cast<unsigned long>(nanoseconds), durability));
+    }
+
+    /// Starts the detached setup thread; called by the fully constructed subscriber, as
+    /// the setup thread and the delivery threads use it as a DDS_Subscriber.
+    static void startSetup(DDS_Subscriber<T>* self, long seconds, unsigned long nanoseconds,
+                           eprosima::fastdds::dds::DurabilityQosPolicyKind durability)
+    {
+        boost::thread setup(boost::bind(&DDS_SubscriberBase::runSetup, self, seconds, nanoseconds, durability));
         setup.detach();
     }
 
-public:
-    ~DDS_SubscriberBase() override
+    /// Deletes the DDS entities once setup has ended; called by the subscriber's
+    /// destructor, while it is still whole for threads that may be using it.
+    void tearDown()
     {
         boost::lock_guard<boost::mutex> lock(SerializeSubscriberDestructionMutex);
         waitForSetupEnd();
@@ -93,6 +101,7 @@ public:
         m_record.reset();
     }
 
+public:
     /**
      * The setup, run on the setup thread: creates the DDS subscriber, topic and data
      * reader. Throws Connection_errors::Not_Connected, after writing the same text to
