@@ -4,6 +4,7 @@
 
 #include "Locker.h"
 
+#include <algorithm>
 #include <ctime>
 #include <string>
 
@@ -157,27 +158,29 @@ void SimulatedEngine::churnModule()
 void SimulatedEngine::run()
 {
     const Clock::time_point begin = Clock::now();
+    const Clock::time_point never = Clock::time_point::max();
     const bool events = m_options.eventsPerSecond > 0.0;
     const bool churn = m_options.moduleChurnSeconds > 0.0;
     const bool lockToggle = m_options.lockToggleSeconds > 0.0;
-    const Clock::duration eventPeriod = events ? periodOf(1.0 / m_options.eventsPerSecond) : Clock::duration::max();
+    const Clock::duration eventPeriod = events ? periodOf(1.0 / m_options.eventsPerSecond) : Clock::duration::zero();
     const Clock::duration batteryPeriod = std::chrono::milliseconds(m_options.batteryPeriodMs);
     const Clock::duration valuePeriod = std::chrono::milliseconds(m_options.valuePeriodMs);
     const Clock::duration churnPeriod = periodOf(m_options.moduleChurnSeconds);
     const Clock::duration lockPeriod = periodOf(m_options.lockToggleSeconds);
 
-    Clock::time_point nextEvent = begin + eventPeriod;
+    // What is switched off is due never.
+    Clock::time_point nextEvent = events ? begin + eventPeriod : never;
     Clock::time_point nextBattery = begin;
     Clock::time_point lastBattery = begin;
     Clock::time_point nextValues = begin;
-    Clock::time_point nextChurn = begin + churnPeriod;
-    Clock::time_point nextLock = begin + lockPeriod;
+    Clock::time_point nextChurn = churn ? begin + churnPeriod : never;
+    Clock::time_point nextLock = lockToggle ? begin + lockPeriod : never;
 
     std::unique_lock<std::mutex> lock(m_mutex);
     while (!m_stopping) {
         lock.unlock();
         const Clock::time_point now = Clock::now();
-        if (events && now >= nextEvent) {
+        if (now >= nextEvent) {
             publishEvent();
             nextEvent += eventPeriod;
             // After a stall, go on at the rate instead of sending the backlog at once.
@@ -193,21 +196,15 @@ void SimulatedEngine::run()
             m_attributes.publishValues();
             nextValues = now + valuePeriod;
         }
-        if (churn && now >= nextChurn) {
+        if (now >= nextChurn) {
             churnModule();
             nextChurn = now + churnPeriod;
         }
-        if (lockToggle && now >= nextLock) {
+        if (now >= nextLock) {
             m_attributes.toggleEngineLock(*m_lockManager);
             nextLock = now + lockPeriod;
         }
-        Clock::time_point wakeAt = std::min({nextBattery, nextValues});
-        if (events)
-            wakeAt = std::min(wakeAt, nextEvent);
-        if (churn)
-            wakeAt = std::min(wakeAt, nextChurn);
-        if (lockToggle)
-            wakeAt = std::min(wakeAt, nextLock);
+        const Clock::time_point wakeAt = std::min({nextEvent, nextBattery, nextValues, nextChurn, nextLock});
         lock.lock();
         m_wake.wait_until(lock, wakeAt, [this] { return m_stopping; });
     }
