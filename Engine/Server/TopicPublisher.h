@@ -60,6 +60,9 @@ public:
         // Data sharing would hand fixed-size samples over through shared memory, which
         // this deployment does not use: every sample goes through the loopback transport.
         qos.data_sharing().off();
+        // Readers acknowledge on a heartbeat; the default period of 3 s made every
+        // waitForAcknowledgments() take seconds. Heartbeats are small, so send them often.
+        qos.reliable_writer_qos().times.heartbeatPeriod = eprosima::fastrtps::Duration_t(0, 100000000);
         m_writer = m_publisher->create_datawriter(m_topic, qos);
         if (!m_writer)
             fail("create_datawriter");
