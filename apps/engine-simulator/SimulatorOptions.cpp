@@ -8,7 +8,7 @@
 
 namespace {
 
-struct OptionSpec
+struct OptionEntry
 {
     const char* name;
     const char* argument; // empty: a flag without value
@@ -74,9 +74,9 @@ bool toClassList(const std::string& text, std::vector<std::uint32_t>* classes)
     return true;
 }
 
-const std::vector<OptionSpec>& optionSpecs()
+const std::vector<OptionEntry>& optionTable()
 {
-    static const std::vector<OptionSpec> specs{
+    static const std::vector<OptionEntry> table{
         {"events-per-second", "RATE", "event messages per second on Lumaro/local/EVTMSG; 0: none (default 0.2)",
          [](SimulatorOptions& o, const std::string& v) { return toDouble(v, 0.0, 10000.0, &o.eventsPerSecond); }},
         {"event-classes", "LIST",
@@ -116,14 +116,14 @@ const std::vector<OptionSpec>& optionSpecs()
              return true;
          }},
     };
-    return specs;
+    return table;
 }
 
-const OptionSpec* findSpec(const std::string& name)
+const OptionEntry* findOption(const std::string& name)
 {
-    for (const OptionSpec& spec : optionSpecs()) {
-        if (name == spec.name)
-            return &spec;
+    for (const OptionEntry& entry : optionTable()) {
+        if (name == entry.name)
+            return &entry;
     }
     return nullptr;
 }
@@ -141,16 +141,16 @@ std::string trimmed(const std::string& text)
 
 bool SimulatorOptions::set(const std::string& name, const std::string& value, std::string* error)
 {
-    const OptionSpec* spec = findSpec(name);
-    if (!spec) {
+    const OptionEntry* entry = findOption(name);
+    if (!entry) {
         *error = "unknown option \"" + name + "\"";
         return false;
     }
     // The scenario option reports its own, more precise error.
     if (name == "scenario")
         return loadScenario(value, error);
-    if (!spec->apply(*this, value)) {
-        *error = "bad value \"" + value + "\" for " + name + " (" + spec->argument + ")";
+    if (!entry->apply(*this, value)) {
+        *error = "bad value \"" + value + "\" for " + name + " (" + entry->argument + ")";
         return false;
     }
     return true;
@@ -217,14 +217,14 @@ bool SimulatorOptions::parse(int argc, char** argv, std::string* error)
             name = name.substr(0, equals);
             hasValue = true;
         }
-        const OptionSpec* spec = findSpec(name);
-        if (!spec) {
+        const OptionEntry* entry = findOption(name);
+        if (!entry) {
             *error = "unknown option \"" + argument + "\"";
             return false;
         }
-        if (*spec->argument && !hasValue) {
+        if (*entry->argument && !hasValue) {
             if (i + 1 >= argc) {
-                *error = "option --" + name + " needs a value (" + spec->argument + ")";
+                *error = "option --" + name + " needs a value (" + entry->argument + ")";
                 return false;
             }
             value = argv[++i];
@@ -248,16 +248,16 @@ std::string SimulatorOptions::usage()
             "environment variable. Prints READY when serving; stops on SIGTERM or SIGINT.\n"
             "\n"
             "Options:\n";
-    for (const OptionSpec& spec : optionSpecs()) {
-        std::string head = std::string("  --") + spec.name;
-        if (*spec.argument)
-            head += std::string(" ") + spec.argument;
+    for (const OptionEntry& entry : optionTable()) {
+        std::string head = std::string("  --") + entry.name;
+        if (*entry.argument)
+            head += std::string(" ") + entry.argument;
         text << head;
         if (head.size() < 34)
             text << std::string(34 - head.size(), ' ');
         else
             text << "\n" << std::string(34, ' ');
-        text << spec.help << "\n";
+        text << entry.help << "\n";
     }
     return text.str();
 }
