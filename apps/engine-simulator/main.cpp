@@ -5,21 +5,15 @@
 #include "SimulatorOptions.h"
 
 #include "DDS_BaseObj.h"
+#include "StopSignals.h"
 #include "ORB_base.h"
 
-#include <csignal>
 #include <iostream>
 #include <memory>
-#include <pthread.h>
 
 int main(int argc, char* argv[])
 {
-    // Block the stop signals before any ORB or DDS thread exists, so only sigwait sees them.
-    sigset_t stopSignals;
-    sigemptyset(&stopSignals);
-    sigaddset(&stopSignals, SIGTERM);
-    sigaddset(&stopSignals, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+    const Orvanth::StopSignals stopSignals;
 
     SimulatorOptions options;
     std::string error;
@@ -47,8 +41,7 @@ int main(int argc, char* argv[])
         }
         if (status == 0) {
             std::cout << "READY" << std::endl;
-            int signal = 0;
-            sigwait(&stopSignals, &signal);
+            stopSignals.wait();
             std::cout << "STOPPING" << std::endl;
             engine->stop();
         }

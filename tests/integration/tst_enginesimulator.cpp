@@ -3,7 +3,7 @@
 
 #include "ChildProcess.h"
 #include "NamingServiceProcess.h"
-#include "../Dds/StreamCapture.h"
+#include "StreamCapture.h"
 
 #include "DDS_Subscriber.h"
 #include "Locker.h"

@@ -12,13 +12,13 @@
 #include "GuiAbleServant.h"
 #include "LockManagerServant.h"
 #include "Locker.h"
+#include "StopSignals.h"
 #include "TopicPublisher.h"
 #include "TopicSamples.h"
 
 #include <OrvanthTopicsPubSubTypes.h>
 
 #include <atomic>
-#include <csignal>
 #include <cstring>
 #include <iostream>
 #include <string>
@@ -61,12 +61,7 @@ void publishSamples()
 
 int main(int argc, char* argv[])
 {
-    // Block the stop signals before any ORB or DDS thread exists, so only sigwait sees them.
-    sigset_t stopSignals;
-    sigemptyset(&stopSignals);
-    sigaddset(&stopSignals, SIGTERM);
-    sigaddset(&stopSignals, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+    const Orvanth::StopSignals stopSignals;
 
     std::vector<std::string> paths;
     std::vector<std::string> orbOptions;
@@ -110,8 +105,7 @@ int main(int argc, char* argv[])
     if (publish)
         publisher = std::thread(publishSamples);
 
-    int signal = 0;
-    sigwait(&stopSignals, &signal);
+    stopSignals.wait();
     stopping = true;
     if (publisher.joinable())
         publisher.join();
