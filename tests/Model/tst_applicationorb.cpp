@@ -23,7 +23,7 @@ private slots:
 void TestApplicationOrb::argumentsCarryTheHostsInitialReference()
 {
     QCOMPARE(ApplicationOrb::arguments(), std::vector<std::string>{"PlaceHolder"});
-    qApp->setProperty("-ORBInitRef", QStringLiteral("NameService=corbaname::127.0.0.1:1"));
+    QCoreApplication::instance()->setProperty("-ORBInitRef", QStringLiteral("NameService=corbaname::127.0.0.1:1"));
     QCOMPARE(ApplicationOrb::arguments(),
              (std::vector<std::string>{"PlaceHolder", "-ORBInitRef", "NameService=corbaname::127.0.0.1:1"}));
 }
@@ -37,7 +37,7 @@ void TestApplicationOrb::registryReachesLockManagerOfTheHostsNamingService()
     QVERIFY(engine.start(QStringLiteral(TZ_TEST_ENGINE), {"--locker"}, naming.childEnvironment()));
 
     // Nothing but the application option tells this process where the naming service is.
-    qApp->setProperty("-ORBInitRef", QStringLiteral("NameService=") + naming.corbaname());
+    QCoreApplication::instance()->setProperty("-ORBInitRef", QStringLiteral("NameService=") + naming.corbaname());
     GlobalImpl* registry = GlobalImpl::getInstance();
     QVERIFY(registry->getLocker());
     QVERIFY(registry->getLockerID().owner != 0);
