@@ -89,8 +89,8 @@ void TestOrbWrapper::sanitizesOptions_data()
     QTest::newRow("TAO flag without value dropped alone")
         << std::vector<std::string>{"-ORBDottedDecimalAddresses", "-ORBtraceLevel", "0"}
         << with({"-ORBtraceLevel", "0"}) << 1;
-    QTest::newRow("endpoint on every interface replaced")
-        << std::vector<std::string>{"-ORBendPoint", "giop:tcp::4000"} << defaults << 1;
+    QTest::newRow("endpoint on another interface replaced")
+        << std::vector<std::string>{"-ORBendPoint", "giop:tcp:instrument.local:4000"} << defaults << 1;
     QTest::newRow("loopback endpoint kept")
         << std::vector<std::string>{"-ORBendPoint", "giop:tcp:127.0.0.1:4000"}
         << std::vector<std::string>{"-ORBendPoint", "giop:tcp:127.0.0.1:4000", "-ORBclientCallTimeOutPeriod", "3000"}
