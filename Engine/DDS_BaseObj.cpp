@@ -118,6 +118,16 @@ DDS_Context& DDS_BaseObj::DdsBase()
     return context;
 }
 
+eprosima::fastdds::dds::Topic* DDS_BaseObj::findOrCreateTopic(DomainParticipant* participant,
+                                                              const std::string& name, const std::string& typeName)
+{
+    // Looking first keeps create_topic from logging an error for a topic that exists.
+    if (eprosima::fastdds::dds::Topic* found = participant->find_topic(name, eprosima::fastrtps::Duration_t(0, 0)))
+        return found;
+    return participant->create_topic(name, typeName, eprosima::fastdds::dds::TOPIC_QOS_DEFAULT, nullptr,
+                                     eprosima::fastdds::dds::StatusMask::all());
+}
+
 void DDS_BaseObj::shutdownDds()
 {
     std::lock_guard<std::mutex> lock(contextMutex);

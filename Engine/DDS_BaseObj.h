@@ -3,6 +3,9 @@
 
 #include <fastdds/dds/domain/DomainParticipant.hpp>
 #include <fastdds/dds/domain/qos/DomainParticipantQos.hpp>
+#include <fastdds/dds/topic/Topic.hpp>
+
+#include <string>
 
 namespace Orvanth {
 
@@ -33,6 +36,12 @@ public:
 
     /// The participant QoS used when no profile file is given.
     static eprosima::fastdds::dds::DomainParticipantQos loopbackParticipantQos();
+
+    /// The topic \a name of type \a typeName for one more reader or writer of this process:
+    /// a proxy of the topic when another entity has made it already, a new topic otherwise;
+    /// null when neither can be had. Every topic returned goes back through delete_topic.
+    static eprosima::fastdds::dds::Topic* findOrCreateTopic(eprosima::fastdds::dds::DomainParticipant* participant,
+                                                            const std::string& name, const std::string& typeName);
 
     /// Deletes the participant and everything it still contains. Call at the very end
     /// of a program, once every subscriber and publisher is gone; DdsBase() reports a

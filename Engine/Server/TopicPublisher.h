@@ -41,12 +41,7 @@ public:
             fail("no participant");
         if (m_type.register_type(m_participant) != ReturnCode_t::RETCODE_OK)
             fail("register_type");
-        // A topic of this name may exist already (a second publisher in the process).
-        m_topic = m_participant->create_topic(topicName, m_type.get_type_name(), TOPIC_QOS_DEFAULT);
-        if (!m_topic) {
-            m_topic = m_participant->find_topic(topicName, eprosima::fastrtps::Duration_t(0, 0));
-            m_ownsTopic = false;
-        }
+        m_topic = findOrCreateTopic(m_participant, topicName, m_type.get_type_name());
         if (!m_topic)
             fail("create_topic");
         m_publisher = m_participant->create_publisher(PUBLISHER_QOS_DEFAULT);
@@ -118,7 +113,7 @@ private:
                 m_publisher->delete_datawriter(m_writer);
             m_participant->delete_publisher(m_publisher);
         }
-        if (m_topic && m_ownsTopic)
+        if (m_topic)
             m_participant->delete_topic(m_topic);
         m_writer = nullptr;
         m_publisher = nullptr;
@@ -136,7 +131,6 @@ private:
     eprosima::fastdds::dds::TypeSupport m_type;
     eprosima::fastdds::dds::DomainParticipant* m_participant = nullptr;
     eprosima::fastdds::dds::Topic* m_topic = nullptr;
-    bool m_ownsTopic = true;
     eprosima::fastdds::dds::Publisher* m_publisher = nullptr;
     eprosima::fastdds::dds::DataWriter* m_writer = nullptr;
 };

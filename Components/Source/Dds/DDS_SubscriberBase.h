@@ -81,7 +81,7 @@ protected:
     void tearDown()
     {
         boost::lock_guard<boost::mutex> lock(SerializeSubscriberDestructionMutex);
-        waitForSetupEnd();
+        waitForInitDone();
         eprosima::fastdds::dds::DomainParticipant* participant = DdsBase().participant;
         // A null participant here means DDS was shut down, which deleted our entities too.
         if (participant && m_subscriber)
@@ -91,8 +91,7 @@ protected:
         if (participant) {
             if (m_subscriber)
                 participant->delete_subscriber(m_subscriber);
-            // Refused while another subscriber or publisher of this process still uses
-            // the topic; the last user's delete (or the participant's end) removes it.
+            // Our own proxy of the topic: others of this process keep theirs.
             if (m_topic)
                 participant->delete_topic(m_topic);
         }
@@ -125,11 +124,8 @@ public:
             fail(" err: Osts->register_type");
 
         const std::string typeName = self->m_record->typeSupport.get_type_name();
-        self->m_topic = participant->create_topic(self->m_topicName, typeName, TOPIC_QOS_DEFAULT, nullptr,
-                                                  StatusMask::all());
-        // Another subscriber or publisher of this process may have created the topic.
-        if (!self->m_topic)
-            self->m_topic = participant->find_topic(self->m_topicName, eprosima::fastrtps::Duration_t(0, 0));
+        // Another subscriber or publisher of this process may have made the topic already.
+        self->m_topic = findOrCreateTopic(participant, self->m_topicName, typeName);
         if (!self->m_topic)
             fail(" err: Participant->create_topic [" + typeName + "] [" + self->m_topicName + "]");
 
@@ -243,8 +239,6 @@ private:
         boost::this_thread::sleep(boost::posix_time::microsec_clock::universal_time()
                                   + boost::posix_time::milliseconds(1));
     }
-
-    void waitForSetupEnd() const { waitForInitDone(); }
 
     /**
      * Fast DDS accepts a time-based filter in the reader QoS but does not apply it, so the
