@@ -4,6 +4,7 @@
 //                [-ORBInitRef NameService=corbaname::127.0.0.1:PORT] [-debug] [-quit-after MS] ...
 
 #include "ApplicationOptions.h"
+#include "HostOptions.h"
 #include "GlobalImpl.h"
 #include "HostWindow.h"
 #include "QTZMessageOutputControl.h"
@@ -18,18 +19,18 @@ int main(int argc, char* argv[])
 
     // Option problems are reported before the registry takes over the diagnostic
     // output, so they are seen whatever the switch says.
-    const ApplicationOptions options(app.arguments());
+    const HostOptions options(app.arguments());
     options.apply(&app);
     QTZMessageOutputControl::m_output = options.debugOutput();
 
     GlobalImpl* registry = GlobalImpl::getInstance();
-    for (const auto& property : options.properties())
+    for (const auto& property : options.applicationOptions().values)
         qDebug() << "UserInterface - Demo host - option" << property.first << property.second;
 
-    HostWindow window(options.resolution());
+    HostWindow window(ApplicationOptions::resolutionOr(QSize(800, 480)));
     window.buildDesktop();
     qDebug() << "UserInterface - Demo host - desktop" << window.size() << "snap points" << registry->gridPoints.size();
-    if (app.property("-fullscreen").toString() == QLatin1String("true"))
+    if (ApplicationOptions::fullScreen())
         window.showFullScreen();
     else
         window.show();

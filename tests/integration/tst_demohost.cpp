@@ -54,7 +54,7 @@ void TestDemoHost::buildsDesktopAndQuitsOnClose_data()
                        "UserInterface - Demo host - desktop QSize(480, 800) snap points 6"};
     QTest::newRow("malformed options behave as absent")
         << QStringList{"-res", "800by480", "-grid", "2x4"}
-        << QStringList{"UserInterface - Demo host - ignoring malformed option \"-res\" \"800by480\"",
+        << QStringList{"UserInterface - ApplicationOptions - ignoring malformed option \"-res\" \"800by480\"",
                        "UserInterface - Demo host - desktop QSize(800, 480) snap points 0"};
     // Nothing listens there: the host must not need a naming service to start.
     const QString initRef = QStringLiteral("NameService=corbaname::127.0.0.1:%1")
@@ -86,7 +86,7 @@ void TestDemoHost::diagnosticsStayOffWithoutDebug()
     QString errorOutput;
     QCOMPARE(run({"-res", "800x480", "-grid", "zero", "-quit-after", "50"}, &errorOutput), 0);
     // Option problems are reported before the output switch takes over; nothing after.
-    QVERIFY2(errorOutput.contains(QStringLiteral("UserInterface - Demo host - ignoring malformed option \"-grid\" \"zero\"")),
+    QVERIFY2(errorOutput.contains(QStringLiteral("UserInterface - ApplicationOptions - ignoring malformed option \"-grid\" \"zero\"")),
              qPrintable(errorOutput));
     QVERIFY(!errorOutput.contains(QStringLiteral("UserInterface - Global::Global")));
     QVERIFY(!errorOutput.contains(QStringLiteral("Demo host - exit")));

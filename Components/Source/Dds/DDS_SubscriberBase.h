@@ -2,11 +2,15 @@
 #define ORVANTH_DDS_SUBSCRIBERBASE_H
 
 #include "DDS_DataReaderListener.h"
-#include "DDS_SetupHook.h"
 #include "DDS_SubscriberTraits.h"
 #include "SerializeSubscriberDestructionMutex.h"
 
 #include "DDS_BaseObj.h"
+
+// Tests build with a hook that can hold a setup between reader creation and its end.
+#ifdef ORVANTH_DDS_SETUP_HOOK_HEADER
+#include ORVANTH_DDS_SETUP_HOOK_HEADER
+#endif
 
 #include <fastdds/dds/domain/DomainParticipant.hpp>
 #include <fastdds/dds/subscriber/DataReader.hpp>
@@ -149,7 +153,9 @@ public:
         if (!self->m_dataReader)
             fail(" err: Subscriber->create_datareader");
 
+#ifdef ORVANTH_DDS_SETUP_HOOK_HEADER
         DDS_SetupHook::run(self->m_topicName);
+#endif
         boost::this_thread::at_thread_exit(boost::bind(&DDS_SubscriberBase::FinishedInitSubBase, self));
     }
 

@@ -1,6 +1,8 @@
 #ifndef APPLICATIONORB_H
 #define APPLICATIONORB_H
 
+#include "tzuicomponents_export.h"
+
 #include <omniORB4/CORBA.h>
 
 #include <string>
@@ -13,7 +15,7 @@
  * part of the library reaches the engines first must already pass the naming service
  * the host chose with "-ORBInitRef". Later initialisations get the same ORB.
  */
-class ApplicationOrb
+class TZUICOMPONENTS_EXPORT ApplicationOrb
 {
 public:
     /// The ORB's argument vector: a program name, then "-ORBInitRef" and the option's

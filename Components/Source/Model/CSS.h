@@ -1,6 +1,8 @@
 #ifndef CSS_H
 #define CSS_H
 
+#include "tzuicomponents_export.h"
+
 #include <QColor>
 #include <QString>
 
@@ -8,7 +10,7 @@
  * The interface's colour palette as style-sheet fragments, so that every widget draws
  * its borders, highlights and gradients in the same accent blue.
  */
-class CSS
+class TZUICOMPONENTS_EXPORT CSS
 {
 public:
     CSS();

@@ -1,6 +1,8 @@
 #ifndef CORBATEXT_H
 #define CORBATEXT_H
 
+#include "tzuicomponents_export.h"
+
 #include <omniORB4/CORBA.h>
 
 #include <QString>
@@ -12,7 +14,7 @@
  * unchanged between peers of the same set, so text travels as UTF-8 bytes and is
  * converted here on both sides.
  */
-class CorbaText
+class TZUICOMPONENTS_EXPORT CorbaText
 {
 public:
     /// A new CORBA string holding \a text as UTF-8 (owned by the caller or a _var).

@@ -1,10 +1,10 @@
 #include "GlobalImpl.h"
 
+#include "ApplicationOptions.h"
 #include "ApplicationOrb.h"
 #include "Locker.h"
 #include "ProcessManager.h"
 #include "QTZMessageOutputControl.h"
-#include "QTZUtil.h"
 #include "SystemModule.h"
 
 #include <QCoreApplication>
@@ -96,29 +96,22 @@ GlobalImpl::~GlobalImpl()
 
 void GlobalImpl::computeGridPoints()
 {
-    const QCoreApplication* application = QCoreApplication::instance();
-    if (!application)
+    const QString resolutionText = ApplicationOptions::text(ApplicationOptions::ResolutionOption);
+    const QString gridText = ApplicationOptions::text(ApplicationOptions::GridOption);
+    if (resolutionText.isEmpty() || gridText.isEmpty())
         return;
-    const QVariant resolution = application->property("-res");
-    const QVariant grid = application->property("-grid");
-    if (!resolution.isValid() || !grid.isValid())
-        return;
-
-    int width = 0;
-    int height = 0;
-    if (!QTZUtil::parseDimensions(resolution.toString(), &width, &height)) {
-        qDebug() << "UserInterface - GlobalImpl - no snap points, malformed option -res" << resolution.toString();
+    const QSize resolution = ApplicationOptions::resolution();
+    const QSize grid = ApplicationOptions::grid();
+    if (!resolution.isValid() || !grid.isValid()) {
+        qDebug() << "UserInterface - GlobalImpl - no snap points, malformed option -res or -grid" << resolutionText
+                 << gridText;
         return;
     }
-    int rows = 0;
-    int columns = 0;
-    if (!QTZUtil::parseDimensions(grid.toString(), &rows, &columns)) {
-        qDebug() << "UserInterface - GlobalImpl - no snap points, malformed option -grid" << grid.toString();
-        return;
-    }
+    const int rows = grid.height();
+    const int columns = grid.width();
     for (int row = 0; row < rows; ++row) {
         for (int column = 0; column < columns; ++column)
-            gridPoints.append(QPoint(column * width / columns, row * height / rows));
+            gridPoints.append(QPoint(column * resolution.width() / columns, row * resolution.height() / rows));
     }
 }
 

@@ -1,6 +1,8 @@
 #ifndef GLOBALIMPL_H
 #define GLOBALIMPL_H
 
+#include "tzuicomponents_export.h"
+
 #include <Orvanth.hh>
 
 #include <QHash>
@@ -40,7 +42,7 @@ class Locker;
  * process launcher, a script engine and the engine locker, which is built on first use.
  * It lives as a child of the application object, named "GlobalImpl".
  */
-class GlobalImpl : public QObject
+class TZUICOMPONENTS_EXPORT GlobalImpl : public QObject
 {
     Q_OBJECT
 

@@ -1,6 +1,8 @@
 #ifndef MENUCONTAINERMANAGER_H
 #define MENUCONTAINERMANAGER_H
 
+#include "tzuicomponents_export.h"
+
 #include <QHash>
 #include <QString>
 
@@ -11,7 +13,7 @@ class QWidget;
  * A table of containers by name that the host may fill and hand to the registry.
  * The containers are not owned.
  */
-class MenuContainerManager
+class TZUICOMPONENTS_EXPORT MenuContainerManager
 {
 public:
     MenuContainerManager();

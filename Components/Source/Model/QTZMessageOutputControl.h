@@ -1,6 +1,8 @@
 #ifndef QTZMESSAGEOUTPUTCONTROL_H
 #define QTZMESSAGEOUTPUTCONTROL_H
 
+#include "tzuicomponents_export.h"
+
 #include <QObject>
 #include <QString>
 
@@ -11,7 +13,7 @@
  * standard error. Building one installs messageOutput() as the Qt message handler;
  * the desktop flips m_output on a right click.
  */
-class QTZMessageOutputControl : public QObject
+class TZUICOMPONENTS_EXPORT QTZMessageOutputControl : public QObject
 {
     Q_OBJECT
 

@@ -1,6 +1,8 @@
 #ifndef QTZUTIL_H
 #define QTZUTIL_H
 
+#include "tzuicomponents_export.h"
+
 #include <QFontMetrics>
 #include <QString>
 
@@ -9,7 +11,7 @@
  * the ohm sign in a Times font, and such texts are measured as they will be drawn.
  * Application options of the form "AxB" ("-res", "-grid") are read here too.
  */
-class QTZUtil
+class TZUICOMPONENTS_EXPORT QTZUtil
 {
 public:
     /// Rewrites \a text as rich text with the ohm sign; only widgets that interpret

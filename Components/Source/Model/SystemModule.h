@@ -1,6 +1,8 @@
 #ifndef SYSTEMMODULE_H
 #define SYSTEMMODULE_H
 
+#include "tzuicomponents_export.h"
+
 #include <QHash>
 #include <QObject>
 #include <QPointer>
@@ -12,7 +14,7 @@
  * "ScreenStateManager") by name, so that library parts reach them without linking to
  * the host. Entries are not owned; an entry whose object is destroyed reads as null.
  */
-class SystemModule : public QObject
+class TZUICOMPONENTS_EXPORT SystemModule : public QObject
 {
     Q_OBJECT
 

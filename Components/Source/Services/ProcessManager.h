@@ -1,6 +1,8 @@
 #ifndef PROCESSMANAGER_H
 #define PROCESSMANAGER_H
 
+#include "tzuicomponents_export.h"
+
 #include <QHash>
 #include <QObject>
 #include <QProcess>
@@ -13,7 +15,7 @@
  * registers one as the module "ProcessManager"; scripts reach it through its
  * invokable operations. GUI thread only.
  */
-class ProcessManager : public QObject
+class TZUICOMPONENTS_EXPORT ProcessManager : public QObject
 {
     Q_OBJECT
 

@@ -1,5 +1,6 @@
 #include "DesktopImpl.h"
 
+#include "ApplicationOptions.h"
 #include "GlobalImpl.h"
 #include "QTZMessageOutputControl.h"
 
@@ -17,7 +18,7 @@ DesktopImpl::DesktopImpl(QWidget* parent)
     if (parent)
         setGeometry(0, 0, parent->width(), parent->height());
 
-    if (QCoreApplication::instance()->property("-fullscreen").toString() == QLatin1String("true"))
+    if (ApplicationOptions::fullScreen())
         showFullScreen();
     else
         show();

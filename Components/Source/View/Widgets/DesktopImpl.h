@@ -1,6 +1,8 @@
 #ifndef DESKTOPIMPL_H
 #define DESKTOPIMPL_H
 
+#include "tzuicomponents_export.h"
+
 #include <QFrame>
 
 class QCloseEvent;
@@ -11,7 +13,7 @@ class QMouseEvent;
  * carries the containers, the navigation bar and the status bar. A right click switches
  * diagnostic output on and off; closing it deletes the registry.
  */
-class DesktopImpl : public QFrame
+class TZUICOMPONENTS_EXPORT DesktopImpl : public QFrame
 {
     Q_OBJECT
 

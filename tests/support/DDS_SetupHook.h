@@ -11,8 +11,9 @@ namespace Orvanth {
  * A process-wide function that a typed subscriber's setup thread calls with the topic
  * name once its data reader exists and before the setup counts as done.
  *
- * Empty in production. Tests use it to hold a setup in that window, where samples may
- * already arrive but must not reach the callback yet.
+ * Only in tests: subscribers compiled with ORVANTH_DDS_SETUP_HOOK_HEADER call it, so a
+ * test can hold a setup in the window where samples may already arrive but must not
+ * reach the callback yet.
  */
 class DDS_SetupHook
 {
