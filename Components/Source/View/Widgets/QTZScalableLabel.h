@@ -1,0 +1,37 @@
+#ifndef QTZSCALABLELABEL_H
+#define QTZSCALABLELABEL_H
+
+#include "tzuicomponents_export.h"
+
+#include <QLabel>
+#include <QString>
+
+class QResizeEvent;
+
+/**
+ * A label that shrinks its font, one pixel at a time, until its translated text fits its
+ * width; the title of every container, whose width is what the title-bar buttons leave.
+ * Only a font given in pixels is fitted.
+ */
+class TZUICOMPONENTS_EXPORT QTZScalableLabel : public QLabel
+{
+    Q_OBJECT
+
+public:
+    explicit QTZScalableLabel(QWidget* parent = nullptr);
+    QTZScalableLabel(const QString& text, QWidget* parent = nullptr);
+
+public slots:
+    /// Shows tr(\a text) at the largest pixel size, up to the font's own, that fits.
+    void setText(QString text);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    QString m_shownText;
+    // Untranslated, so that a resize can fit it again from the font's full size.
+    QString m_text;
+};
+
+#endif
