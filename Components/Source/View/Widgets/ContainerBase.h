@@ -43,7 +43,7 @@ public:
     Q_INVOKABLE void setWindowTitle(const QString& title) { setWindowTitle(title, 0); }
     /// The title as given, neither translated nor numbered.
     QString getWindowTitle() const { return m_title; }
-    virtual void retranslate();
+    Q_INVOKABLE virtual void retranslate();
     /// Whether the contents are visible, which the container's own flag does not say
     /// for subclasses that hide the inner frame.
     Q_INVOKABLE bool isVisible() const;
