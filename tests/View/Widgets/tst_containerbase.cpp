@@ -79,7 +79,6 @@ void TestContainerBase::showsTitleWithInstanceNumber_data()
     QTest::newRow("0") << 0 << QStringLiteral("Scope");
     QTest::newRow("1") << 1 << QStringLiteral("Scope");
     QTest::newRow("2") << 2 << QStringLiteral("Scope 2");
-    QTest::newRow("13") << 13 << QStringLiteral("Scope 13");
 }
 
 void TestContainerBase::showsTitleWithInstanceNumber()
@@ -106,7 +105,6 @@ void TestContainerBase::translatesOnlyLatin1Titles_data()
     QTest::newRow("ASCII") << QStringLiteral("Scope") << QStringLiteral("Oszilloskop 2");
     QTest::newRow("Latin-1") << QStringLiteral("Größe") << QStringLiteral("Size 2");
     QTest::newRow("beyond Latin-1") << QStringLiteral("示波器") << QStringLiteral("示波器 2");
-    QTest::newRow("unknown") << QStringLiteral("Meter") << QStringLiteral("Meter 2");
 }
 
 void TestContainerBase::translatesOnlyLatin1Titles()
