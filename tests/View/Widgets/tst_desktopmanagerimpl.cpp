@@ -103,6 +103,13 @@ QString mapFault(const DesktopManagerImpl& manager, const TestDesktop& desktop, 
     return QString();
 }
 
+// Fails the test with the map's first fault; the arguments are the live containers.
+#define VERIFY_MAP(reserves, ...)                                                                     \
+    do {                                                                                              \
+        const QString fault = mapFault(manager, desktop, QList<ContainerBase*>{__VA_ARGS__}, reserves); \
+        QVERIFY2(fault.isEmpty(), qPrintable(fault));                                                 \
+    } while (false)
+
 // A container that tells how many connections its signals have.
 class ProbeContainer : public ContainerBase
 {
@@ -153,8 +160,7 @@ void TestDesktopManagerImpl::placesBesideOpenContainersThenOnNextRow()
         containers << desktop.container(QSize(200, 150), manager, QStringLiteral("C%1").arg(i));
         containers.last()->show();
         QCOMPARE(containers.last()->geometry(), QRect(expected[i], QSize(200, 150)));
-        const QString fault = mapFault(manager, desktop, containers, true);
-        QVERIFY2(fault.isEmpty(), qPrintable(fault));
+        VERIFY_MAP(true, containers);
     }
     QCOMPARE(manager.containersAt(3, 15), QList<ContainerBase*>{containers[0]});
     QCOMPARE(manager.reservedCells(containers[3]), QRect(3, 33, 20, 15));
@@ -186,16 +192,14 @@ void TestDesktopManagerImpl::reusesFreedPlaceAndKeepsReshownContainerWhereItWas(
     containers[1]->show();
     QCOMPARE(containers[1]->pos(), QPoint(260, 150));
     QCOMPARE(manager.containersAt(26, 15), (QList<ContainerBase*>{containers.last(), containers[1]}));
-    QString fault = mapFault(manager, desktop, containers, true);
-    QVERIFY2(fault.isEmpty(), qPrintable(fault));
+    VERIFY_MAP(true, containers);
 
     LogCapture log;
     containers << desktop.container(QSize(200, 150), manager, QStringLiteral("Late"));
     containers.last()->show();
     QCOMPARE(containers.last()->pos(), QPoint(300, 225));
     QVERIFY(log.contains(QStringLiteral("no free place for \"Late\"")));
-    fault = mapFault(manager, desktop, containers, true);
-    QVERIFY2(fault.isEmpty(), qPrintable(fault));
+    VERIFY_MAP(true, containers);
 }
 
 void TestDesktopManagerImpl::placesEveryContainerAtStartWithoutBenchtop_data()
@@ -221,8 +225,7 @@ void TestDesktopManagerImpl::placesEveryContainerAtStartWithoutBenchtop()
         containers.last()->show();
         QCOMPARE(containers.last()->pos(), start);
     }
-    const QString fault = mapFault(manager, desktop, containers, false);
-    QVERIFY2(fault.isEmpty(), qPrintable(fault));
+    VERIFY_MAP(false, containers);
 }
 
 void TestDesktopManagerImpl::centresContainersThatFindNoPlace_data()
@@ -251,8 +254,7 @@ void TestDesktopManagerImpl::centresContainersThatFindNoPlace()
     QCOMPARE(containers[0]->pos(), position);
     containers[1]->show();
     QCOMPARE(containers[1]->pos(), nextPosition);
-    const QString fault = mapFault(manager, desktop, containers, true);
-    QVERIFY2(fault.isEmpty(), qPrintable(fault));
+    VERIFY_MAP(true, containers);
     QVERIFY(manager.containersAt(desktop.columns(), 0).isEmpty());
 }
 
@@ -289,15 +291,13 @@ void TestDesktopManagerImpl::destroyedContainerFreesItsCellsAndIsForgotten()
     QCOMPARE(first->pos(), QPoint(30, 150));
 
     delete first;
-    QString fault = mapFault(manager, desktop, {}, true);
-    QVERIFY2(fault.isEmpty(), qPrintable(fault));
+    VERIFY_MAP(true);
 
     // Often built at the address of the one just deleted; it is still new to the manager.
     ContainerBase* second = desktop.container(QSize(100, 100), manager);
     second->show();
     QCOMPARE(second->pos(), QPoint(30, 150));
-    fault = mapFault(manager, desktop, {second}, true);
-    QVERIFY2(fault.isEmpty(), qPrintable(fault));
+    VERIFY_MAP(true, second);
 }
 
 void TestDesktopManagerImpl::dragMovesReservation()
@@ -310,8 +310,7 @@ void TestDesktopManagerImpl::dragMovesReservation()
     dragged->move(400, 300);
     emit dragged->updatePosition(dragged, QPoint(30, 150));
     QCOMPARE(manager.reservedCells(dragged), QRect(40, 30, 20, 15));
-    QString fault = mapFault(manager, desktop, {dragged}, true);
-    QVERIFY2(fault.isEmpty(), qPrintable(fault));
+    VERIFY_MAP(true, dragged);
 
     // The freed start is where the next container goes.
     ContainerBase* next = desktop.container(QSize(200, 150), manager);
@@ -324,8 +323,7 @@ void TestDesktopManagerImpl::dragMovesReservation()
     emit next->updatePosition(next, QPoint(30, 150));
     QWidget stranger;
     manager.updatePosition(&stranger, QPoint(0, 0));
-    fault = mapFault(manager, desktop, {dragged, next}, true);
-    QVERIFY2(fault.isEmpty(), qPrintable(fault));
+    VERIFY_MAP(true, dragged, next);
     QCOMPARE(log.linesContaining(QStringLiteral("position update ignored")).size(), 2);
 }
 
@@ -350,8 +348,7 @@ void TestDesktopManagerImpl::refusesRequestsWithoutContainer()
     QCOMPARE(log.lines().mid(0, 2), expected);
     QVERIFY(log.lines().value(2).startsWith(
         QStringLiteral("UserInterface - DesktopManager: allocate ignored, the sender is not a container")));
-    const QString fault = mapFault(manager, desktop, {open}, true);
-    QVERIFY2(fault.isEmpty(), qPrintable(fault));
+    VERIFY_MAP(true, open);
 }
 
 void TestDesktopManagerImpl::randomSequenceKeepsMapConsistent()

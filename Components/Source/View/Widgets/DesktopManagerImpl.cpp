@@ -40,6 +40,10 @@ DesktopManagerImpl::DesktopManagerImpl()
 
 QPair<bool, ContainerBase*> DesktopManagerImpl::containerWillFit(QPoint pos, ContainerBase* container)
 {
+    if (!container) {
+        qDebug() << "UserInterface - DesktopManager: containerWillFit without a container";
+        return {false, nullptr};
+    }
     const int w = container->width();
     const int h = container->height();
     if (pos.x() + w > columns * cellSize || pos.y() + h > rows * cellSize)
@@ -65,6 +69,10 @@ QPair<bool, ContainerBase*> DesktopManagerImpl::containerWillFit(QPoint pos, Con
 
 QPoint DesktopManagerImpl::findSpotForContainer(int x, int y, int nextRowY, ContainerBase* container)
 {
+    if (!container) {
+        qDebug() << "UserInterface - DesktopManager: findSpotForContainer without a container";
+        return QPoint(startX, startY);
+    }
     const int w = container->width();
     const int h = container->height();
 
@@ -128,7 +136,7 @@ void DesktopManagerImpl::allocate(ContainerBase* container)
     if (!inGuiThread("allocate"))
         return;
 
-    Tracked& entry = track(container);
+    track(container);
     if (!placed.contains(container)) {
         placed.append(container);
         attempts = 0;
@@ -137,6 +145,8 @@ void DesktopManagerImpl::allocate(ContainerBase* container)
         container->saveLocation();
     }
 
+    // Taken only now: moving runs the container's own code, which may reach this manager.
+    Tracked& entry = track(container);
     // Shown again without being hidden: the earlier reservation goes first, so the map
     // never lists a container twice.
     release(entry);
