@@ -2,9 +2,16 @@
 
 #include <QDebug>
 
+#include <algorithm>
+
 HostOptions::HostOptions(const QStringList& arguments)
     : m_parsed(ApplicationOptions::parse(arguments))
 {
+    // The demo plays a bench instrument unless told otherwise.
+    const bool typed = std::any_of(m_parsed.values.cbegin(), m_parsed.values.cend(),
+                                   [](const QPair<QString, QString>& value) { return value.first == QLatin1String("-systype"); });
+    if (!typed)
+        m_parsed.values.append({QStringLiteral("-systype"), QStringLiteral("benchtop")});
     const QStringList& rest = m_parsed.rest;
     for (int i = 0; i < rest.size(); ++i) {
         const QString& name = rest.at(i);

@@ -10,7 +10,7 @@
  * The demo host's command line: the library's application options, read by the
  * library's parser, and the host's own "-debug" (diagnostics on from the start) and
  * "-quit-after MS" (close the desktop after MS milliseconds). Unknown arguments and a
- * malformed delay are logged and left out.
+ * malformed delay are logged and left out. Without "-systype" the demo is a benchtop.
  */
 class HostOptions
 {

@@ -1,7 +1,9 @@
 #include "HostWindow.h"
 
 #include "CSS.h"
+#include "DemoScreens.h"
 #include "DesktopImpl.h"
+#include "DesktopManagerImpl.h"
 #include "GlobalImpl.h"
 #include "SystemModule.h"
 
@@ -17,12 +19,21 @@ HostWindow::HostWindow(const QSize& screenSize)
     setFixedSize(screenSize);
 }
 
+HostWindow::~HostWindow()
+{
+    // The desktop and its containers go first; the manager they report to after them.
+    delete m_desktop;
+}
+
 DesktopImpl* HostWindow::buildDesktop()
 {
     m_desktop = new DesktopImpl(this);
     GlobalImpl* registry = GlobalImpl::getInstance();
-    registry->setDesktop(m_desktop);
+    registry->setDesktop(m_desktop.data());
     registry->systemModule()->setSystemScreen(QStringLiteral("MainWindow"), this);
+    m_desktopManager = std::make_unique<DesktopManagerImpl>();
+    registry->setDesktopManager(m_desktopManager.get());
+    m_screens = std::make_unique<DemoScreens>(m_desktop);
     buildExitMenu();
     return m_desktop;
 }

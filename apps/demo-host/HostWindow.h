@@ -4,7 +4,11 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <memory>
+
+class DemoScreens;
 class DesktopImpl;
+class DesktopManagerImpl;
 
 /**
  * The demo host's main window ("MainWindow"): a window of the chosen screen size that
@@ -17,8 +21,10 @@ class HostWindow : public QWidget
 
 public:
     explicit HostWindow(const QSize& screenSize);
+    ~HostWindow() override;
 
-    /// Builds the desktop over this window and registers both with the registry.
+    /// Builds the desktop over this window, its desktop manager and the demo screens,
+    /// and registers them with the registry.
     DesktopImpl* buildDesktop();
 
 protected:
@@ -28,6 +34,10 @@ private:
     void buildExitMenu();
 
     QPointer<DesktopImpl> m_desktop;
+    // The manager has no parent: it outlives the containers, which release their
+    // cells as the desktop deletes them.
+    std::unique_ptr<DesktopManagerImpl> m_desktopManager;
+    std::unique_ptr<DemoScreens> m_screens;
 };
 
 #endif

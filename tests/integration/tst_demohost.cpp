@@ -47,6 +47,7 @@ void TestDemoHost::buildsDesktopAndQuitsOnClose_data()
     QTest::newRow("landscape grid")
         << QStringList{"-res", "800x480", "-grid", "2x4"}
         << QStringList{"UserInterface - Demo host - option \"-res\" \"800x480\"",
+                       "UserInterface - Demo host - option \"-systype\" \"benchtop\"",
                        "UserInterface - Demo host - desktop QSize(800, 480) snap points 8"};
     QTest::newRow("portrait handheld")
         << QStringList{"-res", "480x800", "-grid", "3x2", "-systype", "handheld"}
@@ -74,7 +75,7 @@ void TestDemoHost::buildsDesktopAndQuitsOnClose()
     QCOMPARE(run(arguments + QStringList{"-debug", "-quit-after", "50"}, &errorOutput), 0);
     const QStringList lines = errorOutput.split(QLatin1Char('\n'));
     const QStringList always{"UserInterface - Global::Global", "UserInterface - ThreadPool count after setting: 8",
-                             "UserInterface - Demo host - exit 0"};
+                             "DesktopManager::DesktopManager", "UserInterface - Demo host - exit 0"};
     for (const QString& expected : always + expectedLines)
         QVERIFY2(lines.contains(expected), qPrintable(expected + QStringLiteral("\n--- got:\n") + errorOutput));
     // Closing takes the one registry away; nothing builds a second one on the way out.

@@ -86,6 +86,16 @@ void ContainerImpl::setLayout(QLayout* layout)
     contents->setMinimumSize(0, 0);
 }
 
+void ContainerImpl::init()
+{
+    setMinimumSize(m_minSize);
+    resize(m_minSize);
+    m_stateName = m_sizeName = QStringLiteral("Min");
+    resizeBorderFrame(m_minSize);
+    updateStyle();
+    emit changeSize(QStringLiteral("Min"));
+}
+
 void ContainerImpl::showEvent(QShowEvent* event)
 {
     ContainerBase::showEvent(event);

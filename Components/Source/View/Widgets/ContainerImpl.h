@@ -37,6 +37,10 @@ public:
     Q_INVOKABLE QString mSize() const { return m_sizeName; }
     /// "Min", "Max" or "Thumb" once a state was entered; empty before.
     QString state() const { return m_stateName; }
+
+    /// Puts the container in its normal state: the size of its module's form, the normal
+    /// look, and changeSize("Min"). The owner calls it once the contents are set.
+    void init() override;
     /// The title-bar control cluster.
     Q_INVOKABLE QWidget* getContainerControl() const { return m_containerControl; }
 

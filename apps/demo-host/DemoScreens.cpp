@@ -1,0 +1,131 @@
+#include "DemoScreens.h"
+
+#include "ApplicationOptions.h"
+#include "ContainerImpl.h"
+#include "DesktopImpl.h"
+#include "DesktopManagerImpl.h"
+#include "FSContainer.h"
+#include "GlobalImpl.h"
+#include "QTZScalableLabel.h"
+#include "QTZTextEditor.h"
+#include "RotatableLabel.h"
+
+#include <QDebug>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace {
+
+// A module's own form: a frame named "ContainerFrame" whose minimum size is the size of
+// the container's normal state.
+QFrame* moduleForm(const QSize& size)
+{
+    auto* form = new QFrame;
+    form->setObjectName(QStringLiteral("ContainerFrame"));
+    form->setMinimumSize(size);
+    form->setStyleSheet(QStringLiteral("QLabel { color: white; } QPlainTextEdit { background: white; }"));
+    return form;
+}
+
+QSize moduleSize()
+{
+    // Portrait screens take one column of containers, landscape ones three to a row.
+    return ApplicationOptions::isPortraitResolution() ? QSize(390, 150) : QSize(220, 130);
+}
+
+QWidget* meterScreen()
+{
+    QFrame* form = moduleForm(moduleSize());
+    auto* layout = new QVBoxLayout(form);
+    auto* reading = new QTZScalableLabel(form);
+    reading->setAlignment(Qt::AlignCenter);
+    // A pixel-sized font is shrunk to fit the label's width.
+    QFont font = reading->font();
+    font.setPixelSize(44);
+    reading->setFont(font);
+    reading->setText(QStringLiteral("-12.734 dBm"));
+    layout->addWidget(reading);
+    return form;
+}
+
+QWidget* traceScreen()
+{
+    QFrame* form = moduleForm(moduleSize());
+    auto* layout = new QHBoxLayout(form);
+    auto* axis = new RotatableLabel(form);
+    axis->setText(QStringLiteral("dBm"));
+    axis->setProperty("FontColor", QStringLiteral("white"));
+    axis->setProperty("FontSize", 14);
+    axis->setFixedWidth(24);
+    layout->addWidget(axis);
+    auto* trace = new QLabel(QStringLiteral("~~/\\/\\~~/\\~~"), form);
+    trace->setAlignment(Qt::AlignCenter);
+    layout->addWidget(trace, 1);
+    return form;
+}
+
+QWidget* notesScreen()
+{
+    QFrame* form = moduleForm(moduleSize());
+    auto* layout = new QVBoxLayout(form);
+    auto* editor = new QTZTextEditor(form);
+    editor->setPlainText(QStringLiteral("Sweep 1: 10 MHz - 3 GHz\nRBW 30 kHz\nMarker at 1.575 GHz\n"));
+    layout->addWidget(editor);
+    return form;
+}
+
+} // namespace
+
+DemoScreens::DemoScreens(DesktopImpl* desktop)
+    : m_desktop(desktop)
+{
+    addContainer(QStringLiteral("Power Meter"), 0, meterScreen());
+    addContainer(QStringLiteral("Spectrum"), 1, traceScreen());
+    addContainer(QStringLiteral("Spectrum"), 2, traceScreen());
+    addContainer(QStringLiteral("Notes"), 0, notesScreen());
+    addFullScreen();
+}
+
+void DemoScreens::addContainer(const QString& title, int instance, QWidget* contents)
+{
+    auto* container = new ContainerImpl(m_desktop);
+    container->setWindowTitle(title, instance);
+    auto* layout = new QVBoxLayout;
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(contents);
+    container->setLayout(layout);
+    container->init();
+
+    GlobalImpl* registry = GlobalImpl::getInstance();
+    registry->addScreen(instance > 1 ? QStringLiteral("%1 %2").arg(title).arg(instance) : title, container);
+    if (DesktopManagerImpl* manager = registry->desktopManager())
+        manager->registerModule(container);
+    // Placed by the manager when the desktop first shows it.
+    container->show();
+    m_containers.append(container);
+}
+
+void DemoScreens::addFullScreen()
+{
+    m_fullScreen = new FSContainer(m_desktop);
+    m_fullScreen->setWindowTitle(QStringLiteral("System Overview"));
+    auto* layout = new QVBoxLayout;
+    auto* text = new QLabel(QStringLiteral("Full-screen module: the close button returns to the desktop."));
+    text->setStyleSheet(QStringLiteral("color: white; font-size: 20px;"));
+    text->setAlignment(Qt::AlignCenter);
+    text->setWordWrap(true);
+    layout->addWidget(text);
+    m_fullScreen->setLayout(layout);
+    m_fullScreen->hide();
+    GlobalImpl::getInstance()->addScreen(QStringLiteral("System Overview"), m_fullScreen);
+
+    auto* open = new QPushButton(QObject::tr("Full screen"), m_desktop);
+    open->setObjectName(QStringLiteral("FullScreenButton"));
+    open->setStyleSheet(QStringLiteral("QPushButton { color: white; background-color: rgb(60,60,60); "
+                                       "border: 1px solid white; border-radius: 6px; padding: 6px; }"));
+    open->adjustSize();
+    open->move(m_desktop->width() - open->width() - 10, m_desktop->height() - open->height() - 20);
+    open->show();
+    QObject::connect(open, &QPushButton::clicked, m_fullScreen.data(), &FSContainer::show);
+}
