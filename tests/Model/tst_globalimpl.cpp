@@ -1,6 +1,9 @@
-// The registry: instance lookup, snap points, the screen table, data-entry ownership,
-// teardown and the window lookup.
+// The registry: instance lookup (from the GUI thread and from others), snap points, the
+// screen table, data-entry ownership, teardown and the window lookup.
 
+#include "LogCapture.h"
+
+#include "DesktopImpl.h"
 #include "GlobalImpl.h"
 #include "ProcessManager.h"
 #include "SystemModule.h"
@@ -9,6 +12,8 @@
 #include <QThreadPool>
 #include <QtTest>
 
+#include <thread>
+
 class TestGlobalImpl : public QObject
 {
     Q_OBJECT
@@ -16,11 +21,13 @@ class TestGlobalImpl : public QObject
 private slots:
     void cleanup();
     void getInstanceKeepsOneRegistryUnderTheApplication();
+    void otherThreadsNeverBuildRegistry();
     void computesSnapPoints_data();
     void computesSnapPoints();
     void screenTableKeepsOneWidgetPerName();
     void entryMechanismStaysWithFirstClaimant();
-    void teardownQuitsThreadsAndDeletesOwnedObjectsOnly();
+    void forgetsDestroyedPeers();
+    void teardownStopsThreadsAndDeletesOwnedObjectsOnly();
     void findsWindowAndTitleAboveWidget();
 };
 
@@ -34,17 +41,49 @@ void TestGlobalImpl::cleanup()
 
 void TestGlobalImpl::getInstanceKeepsOneRegistryUnderTheApplication()
 {
+    // What runs at shutdown asks without building.
+    QVERIFY(!GlobalImpl::existingInstance());
+    QVERIFY(qApp->findChildren<GlobalImpl*>().isEmpty());
+
     GlobalImpl* registry = GlobalImpl::getInstance();
     QCOMPARE(GlobalImpl::getInstance(), registry);
+    QCOMPARE(GlobalImpl::existingInstance(), registry);
     QCOMPARE(registry->parent(), qApp);
     QCOMPARE(QThreadPool::globalInstance()->maxThreadCount(), 8);
     delete registry;
+    QVERIFY(!GlobalImpl::existingInstance());
 
     // One built by the host anywhere below the application object is found, not doubled.
     QObject holder(qApp);
     auto* built = new GlobalImpl(&holder);
+    QCOMPARE(GlobalImpl::existingInstance(), built);
     QCOMPARE(GlobalImpl::getInstance(), built);
     QCOMPARE(qApp->findChildren<GlobalImpl*>().size(), 1);
+}
+
+void TestGlobalImpl::otherThreadsNeverBuildRegistry()
+{
+    GlobalImpl* fromThread = nullptr;
+    const auto askFromThread = [&fromThread] {
+        std::thread([&fromThread] { fromThread = GlobalImpl::getInstance(); }).join();
+        return fromThread;
+    };
+    {
+        LogCapture log;
+        QVERIFY(!askFromThread());
+        QVERIFY(qApp->findChildren<GlobalImpl*>().isEmpty());
+        QCOMPARE(log.linesContaining(QStringLiteral("outside the GUI thread")).size(), 1);
+    }
+
+    // A registry the host built under the application object is every thread's at once,
+    // before the GUI thread ever looked for it.
+    auto* built = new GlobalImpl(qApp);
+    QCOMPARE(askFromThread(), built);
+    delete built;
+    QVERIFY(!askFromThread());
+
+    GlobalImpl* registry = GlobalImpl::getInstance();
+    QCOMPARE(askFromThread(), registry);
 }
 
 void TestGlobalImpl::computesSnapPoints_data()
@@ -121,7 +160,24 @@ void TestGlobalImpl::entryMechanismStaysWithFirstClaimant()
     QCOMPARE(registry->entryMechanism(), &first);
 }
 
-void TestGlobalImpl::teardownQuitsThreadsAndDeletesOwnedObjectsOnly()
+void TestGlobalImpl::forgetsDestroyedPeers()
+{
+    GlobalImpl* registry = GlobalImpl::getInstance();
+    QWidget parent;
+    auto* desktop = new DesktopImpl(&parent);
+    registry->setDesktop(desktop);
+    auto* systemModule = new SystemModule(&parent);
+    registry->setSystemModule(systemModule);
+    QCOMPARE(registry->desktop(), desktop);
+    QCOMPARE(registry->systemModule(), systemModule);
+
+    delete desktop;
+    delete systemModule;
+    QVERIFY(!registry->desktop());
+    QVERIFY(!registry->systemModule());
+}
+
+void TestGlobalImpl::teardownStopsThreadsAndDeletesOwnedObjectsOnly()
 {
     GlobalImpl* registry = GlobalImpl::getInstance();
     QPointer<SystemModule> systemModule = registry->systemModule();
@@ -132,18 +188,28 @@ void TestGlobalImpl::teardownQuitsThreadsAndDeletesOwnedObjectsOnly()
     QPointer<QObject> launcher = found;
     QVERIFY(qobject_cast<ProcessManager*>(launcher));
 
+    // One thread runs an event loop, the other a loop of its own that only an
+    // interruption request ends.
     QThread running;
     running.start();
+    std::unique_ptr<QThread> polling(QThread::create([] {
+        while (!QThread::currentThread()->isInterruptionRequested())
+            QThread::msleep(1);
+    }));
+    polling->start();
     auto* deletedEarly = new QThread;
     registry->storeSubscriberThread(deletedEarly);
     registry->storeSubscriberThread(&running);
+    registry->storeSubscriberThread(polling.get());
     delete deletedEarly;
     QWidget screen;
     registry->addScreen(QStringLiteral("Scope"), &screen);
     systemModule->setSystemScreen(QStringLiteral("MainWindow"), &screen);
 
     delete registry;
-    QVERIFY(running.wait(5000));
+    // Stopped, not merely asked to stop, by the time the registry is gone.
+    QVERIFY(running.isFinished());
+    QVERIFY(polling->isFinished());
     QVERIFY(systemModule.isNull());
     QVERIFY(launcher.isNull());
     // The host's widget is still its own (ASan would see a use after free here).

@@ -1,49 +1,73 @@
 #include "GlobalImpl.h"
 
 #include "ApplicationOptions.h"
-#include "ApplicationOrb.h"
-#include "Locker.h"
+#include "LockerGateway.h"
 #include "ProcessManager.h"
 #include "QTZMessageOutputControl.h"
 #include "SystemModule.h"
 
 #include <QCoreApplication>
 #include <QDebug>
+#include <QDeadlineTimer>
 #include <QLabel>
 #include <QScriptEngine>
 #include <QThreadPool>
 
-GlobalImpl* GlobalImpl::single = nullptr;
-bool GlobalImpl::instanceFlag = false;
+#include <mutex>
+
+std::atomic<GlobalImpl*> GlobalImpl::single{nullptr};
 
 namespace {
 
 const char* const windowMarker = "TopContainerObject";
 
-// What an exception says beyond its name: the minor code of a system exception, the
-// message of the engine libraries' exceptions.
-QString exceptionInfo(const CORBA::Exception& exception)
-{
-    if (const auto* system = CORBA::SystemException::_downcast(&exception)) {
-        const char* minorName = system->NP_minorString();
-        const QString minor = QStringLiteral("minor %1").arg(system->minor());
-        return minorName ? minor + QStringLiteral(" (%1)").arg(QLatin1String(minorName)) : minor;
-    }
-    if (const auto* generic = Orvanth::Runtime_errors::Generic::_downcast(&exception))
-        return QString::fromUtf8(generic->message);
-    if (const auto* notConnected = Orvanth::Connection_errors::Not_Connected::_downcast(&exception))
-        return QString::fromUtf8(notConnected->message);
-    return QString::fromLatin1(exception._rep_id());
-}
+// How long the registry's destruction waits, in all, for the subscriber threads it was
+// handed; a thread that ignores both requests to stop must not hang the shutdown.
+constexpr int subscriberStopTimeoutMs = 3000;
+
+// Guards publishing and withdrawing the instance, so that currentLockerGateway() never
+// reads a registry whose destruction has gone past its first step.
+std::mutex instanceMutex;
+// Serialises the search for a registry and the building of one.
+std::mutex creationMutex;
 
 } // namespace
 
 GlobalImpl* GlobalImpl::getInstance()
 {
-    if (instanceFlag)
-        return single;
+    if (GlobalImpl* instance = single.load(std::memory_order_acquire))
+        return instance;
+    return findOrBuild(true);
+}
 
+GlobalImpl* GlobalImpl::existingInstance()
+{
+    if (GlobalImpl* instance = single.load(std::memory_order_acquire))
+        return instance;
+    return findOrBuild(false);
+}
+
+std::shared_ptr<LockerGateway> GlobalImpl::currentLockerGateway()
+{
+    std::lock_guard<std::mutex> guard(instanceMutex);
+    GlobalImpl* instance = single.load(std::memory_order_relaxed);
+    return instance ? instance->m_lockerGateway : nullptr;
+}
+
+GlobalImpl* GlobalImpl::findOrBuild(bool build)
+{
     QCoreApplication* application = QCoreApplication::instance();
+    // The application object's children belong to the GUI thread, and a registry built
+    // in another thread would have its parent there.
+    if (application && QThread::currentThread() != application->thread()) {
+        if (build)
+            qDebug() << "UserInterface - GlobalImpl::getInstance called outside the GUI thread while no registry exists; none is built";
+        return nullptr;
+    }
+
+    std::lock_guard<std::mutex> creation(creationMutex);
+    if (GlobalImpl* instance = single.load(std::memory_order_acquire))
+        return instance;
     GlobalImpl* found = nullptr;
     if (application) {
         // Matched by class name, not by cast: a plug-in with its own copy of this
@@ -51,18 +75,31 @@ GlobalImpl* GlobalImpl::getInstance()
         QObject* named = application->findChild<QObject*>(QStringLiteral("GlobalImpl"));
         if (named && named->inherits("GlobalImpl"))
             found = static_cast<GlobalImpl*>(named);
-    } else {
+    } else if (build) {
         qDebug() << "UserInterface - GlobalImpl::getInstance called before the application object exists";
     }
-    single = found ? found : new GlobalImpl(application);
-    instanceFlag = true;
-    return single;
+    if (!found && build)
+        found = new GlobalImpl(application);
+    return found ? publish(found) : nullptr;
+}
+
+GlobalImpl* GlobalImpl::publish(GlobalImpl* registry)
+{
+    std::lock_guard<std::mutex> guard(instanceMutex);
+    GlobalImpl* current = single.load(std::memory_order_relaxed);
+    if (!current) {
+        single.store(registry, std::memory_order_release);
+        current = registry;
+    }
+    return current;
 }
 
 GlobalImpl::GlobalImpl(QObject* parent)
     : QObject(parent)
+    , m_lockerGateway(std::make_shared<LockerGateway>())
 {
-    m_systemModule = new SystemModule(this);
+    auto* systemModule = new SystemModule(this);
+    m_systemModule.set(systemModule);
     m_messageOutputControl = new QTZMessageOutputControl(this);
     m_scriptEngine = std::make_unique<QScriptEngine>();
 
@@ -74,24 +111,47 @@ GlobalImpl::GlobalImpl(QObject* parent)
     pool->setMaxThreadCount(8);
     qDebug() << "UserInterface - ThreadPool count after setting:" << pool->maxThreadCount();
 
-    m_systemModule->setModule(QStringLiteral("ProcessManager"), new ProcessManager(this));
+    systemModule->setModule(QStringLiteral("ProcessManager"), new ProcessManager(this));
 
     computeGridPoints();
+
+    // Built by the host under the application object, it is the instance from now on,
+    // also for threads that cannot search for it.
+    if (parent && parent == QCoreApplication::instance())
+        publish(this);
 }
 
 GlobalImpl::~GlobalImpl()
 {
-    if (single == this) {
-        instanceFlag = false;
-        single = nullptr;
+    {
+        std::lock_guard<std::mutex> guard(instanceMutex);
+        GlobalImpl* expected = this;
+        single.compare_exchange_strong(expected, nullptr, std::memory_order_acq_rel);
     }
+    stopSubscriberThreads();
+    m_scriptEngine.reset();
+    m_lockerGateway->close();
+}
+
+void GlobalImpl::stopSubscriberThreads()
+{
+    // All are asked first, so that they wind down side by side.
+    QList<QPointer<QThread>> asked;
     while (!m_subscriberThreads.isEmpty()) {
         const QPointer<QThread> thread = m_subscriberThreads.takeFirst();
-        if (thread)
-            thread->exit(0);
+        if (!thread)
+            continue;
+        thread->requestInterruption();
+        thread->exit(0);
+        asked.append(thread);
     }
-    m_scriptEngine.reset();
-    m_locker.reset();
+    const QDeadlineTimer deadline(subscriberStopTimeoutMs);
+    for (const QPointer<QThread>& thread : asked) {
+        if (!thread || thread == QThread::currentThread())
+            continue;
+        if (!thread->wait(deadline))
+            qDebug() << "UserInterface - GlobalImpl - subscriber thread did not stop in time:" << thread->objectName();
+    }
 }
 
 void GlobalImpl::computeGridPoints()
@@ -201,60 +261,25 @@ void GlobalImpl::storeSubscriberThread(QThread* thread)
 
 void GlobalImpl::verifyLockerCreated()
 {
-    std::lock_guard<std::mutex> guard(m_lockerMutex);
-    if (m_locker)
-        return;
-    try {
-        ApplicationOrb::start();
-        m_locker = std::make_unique<Orvanth::Locker>();
-    } catch (...) {
-        qDebug() << "Failed to instantiate UI Locker";
-    }
+    m_lockerGateway->verifyLockerCreated();
 }
 
 Orvanth::Locker* GlobalImpl::getLocker()
 {
-    verifyLockerCreated();
-    return m_locker.get();
+    return m_lockerGateway->getLocker();
 }
 
 void GlobalImpl::setLocker(Orvanth::Locker* locker)
 {
-    // The previous locker stays with whoever handed it in.
-    (void)m_locker.release();
-    m_locker.reset(locker);
+    m_lockerGateway->setLocker(locker);
 }
 
 Orvanth::Lock_Authority GlobalImpl::getLockAuthority()
 {
-    verifyLockerCreated();
-    Orvanth::Lock_Authority authority;
-    if (!m_locker)
-        return authority;
-    try {
-        Orvanth::Lock_Authority_var current = m_locker->LockAuthority();
-        authority = current.in();
-    } catch (const CORBA::TRANSIENT&) {
-        qDebug() << "UserInterface - Failed to get locking authority";
-    }
-    return authority;
+    return m_lockerGateway->getLockAuthority();
 }
 
 Orvanth::LockerID GlobalImpl::getLockerID()
 {
-    verifyLockerCreated();
-    Orvanth::LockerID id{};
-    if (!m_locker)
-        return id;
-    try {
-        id = m_locker->MyLockerID();
-    } catch (const CORBA::TRANSIENT&) {
-        qDebug() << "UserInterface - Failed to acquire lock id, CORBA::TRANSIENT when requesting Orvanth::Locker::MyLockerID";
-    } catch (const CORBA::Exception& exception) {
-        // The position is part of the line's fixed text, which log readers search for.
-        qDebug().noquote() << "UserInterface -" << "Components/Source/Model/GlobalImpl:285";
-        const QString name = QString::fromLatin1(exception._name());
-        qDebug().noquote() << QStringLiteral("               ") + name + QLatin1Char(' ') + exceptionInfo(exception);
-    }
-    return id;
+    return m_lockerGateway->getLockerID();
 }

@@ -14,12 +14,13 @@
 #include <QThread>
 #include <QWidget>
 
+#include <atomic>
 #include <memory>
-#include <mutex>
 
 class DesktopImpl;
 class DesktopManagerImpl;
 class GUIManagerServer;
+class LockerGateway;
 class MenuBar;
 class MenuContainerManager;
 class ModuleManagerImpl;
@@ -37,42 +38,69 @@ class Locker;
  * The process-wide registry through which every part of the library finds its peers.
  *
  * The host registers the shared objects it builds (desktop, desktop manager, navigation
- * bar, status bar, ...) through the setters and keeps owning them. The registry owns
- * what it creates itself: the system-module table, the diagnostic output switch, the
- * process launcher, a script engine and the engine locker, which is built on first use.
- * It lives as a child of the application object, named "GlobalImpl".
+ * bar, status bar, ...) through the setters and keeps owning them; the registry forgets
+ * one that is destroyed. The registry owns what it creates itself: the system-module
+ * table, the diagnostic output switch, the process launcher, a script engine and the
+ * gateway to the engine locker. It lives as a child of the application object, named
+ * "GlobalImpl", and is built and deleted in the GUI thread.
  */
 class TZUICOMPONENTS_EXPORT GlobalImpl : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The registry, built on first use. The application object must exist.
+    /// The registry, built on first use in the GUI thread; the application object must
+    /// exist. Safe from any thread, but another thread gets null (and a log line) while
+    /// there is no registry: one built there would have its parent in the GUI thread.
     static GlobalImpl* getInstance();
+    /// The registry if there is one, never building one: for code that runs at or after
+    /// shutdown. Like getInstance(), only the GUI thread searches the application
+    /// object's children for a registry not yet known.
+    static GlobalImpl* existingInstance();
+    /// The locker gateway of the current registry, or null when there is none. For
+    /// threads other than the GUI thread: the gateway stays valid for as long as it is
+    /// held, even when the registry is deleted meanwhile (it then answers zero ids and
+    /// empty authorities without remote calls), which a registry pointer does not.
+    static std::shared_ptr<LockerGateway> currentLockerGateway();
 
-    /// For a host that builds the registry itself with the application object as parent.
+    /// For a host that builds the registry itself with the application object as parent;
+    /// getInstance() returns that one.
     explicit GlobalImpl(QObject* parent);
+    /// Stops the subscriber threads (asks them to quit, waits a bounded time) before it
+    /// lets the locker go, so that their last callbacks still reach the engine.
     ~GlobalImpl() override;
 
-    DesktopImpl* desktop() const { return m_desktop; }
-    void setDesktop(DesktopImpl* desktop) { m_desktop = desktop; }
-    DesktopManagerImpl* desktopManager() const { return m_desktopManager; }
-    void setDesktopManager(DesktopManagerImpl* manager) { m_desktopManager = manager; }
-    MenuContainerManager* menuContainerManager() const { return m_menuContainerManager; }
-    void setMenuContainerManager(MenuContainerManager* manager) { m_menuContainerManager = manager; }
-    /// Kept for the host only; the library never uses it.
+    // Peers held by the host. Each setter takes the peer's pointer (or what converts to
+    // one, such as a QPointer, or nullptr); they are templates only so that this header
+    // gets by with declarations of the peers' classes: include the peer's header where
+    // you call one.
+    DesktopImpl* desktop() const { return m_desktop.get(); }
+    template <class DesktopPointer>
+    void setDesktop(const DesktopPointer& desktop) { m_desktop.set(desktop); }
+    DesktopManagerImpl* desktopManager() const { return m_desktopManager.get(); }
+    template <class ManagerPointer>
+    void setDesktopManager(const ManagerPointer& manager) { m_desktopManager.set(manager); }
+    MenuContainerManager* menuContainerManager() const { return m_menuContainerManager.get(); }
+    template <class ManagerPointer>
+    void setMenuContainerManager(const ManagerPointer& manager) { m_menuContainerManager.set(manager); }
+    /// Kept for the host only; the library never uses it, nor knows whether it is a QObject.
     ModuleManagerImpl* moduleManager() const { return m_moduleManager; }
     void setModuleManager(ModuleManagerImpl* manager) { m_moduleManager = manager; }
-    NamingServiceImpl* namingService() const { return m_namingService; }
-    void setNamingService(NamingServiceImpl* namingService) { m_namingService = namingService; }
-    MenuBar* topNavMenu() const { return m_topNavMenu; }
-    void setTopNavMenu(MenuBar* menuBar) { m_topNavMenu = menuBar; }
-    SystemModule* systemModule() const { return m_systemModule; }
-    void setSystemModule(SystemModule* systemModule) { m_systemModule = systemModule; }
-    QTZStatusBar* statusBar() const { return m_statusBar; }
-    void setStatusBar(QTZStatusBar* statusBar) { m_statusBar = statusBar; }
-    GUIManagerServer* guiManagerServer() const { return m_guiManagerServer; }
-    void setGUIManagerServer(GUIManagerServer* server) { m_guiManagerServer = server; }
+    NamingServiceImpl* namingService() const { return m_namingService.get(); }
+    template <class DiscoveryPointer>
+    void setNamingService(const DiscoveryPointer& namingService) { m_namingService.set(namingService); }
+    MenuBar* topNavMenu() const { return m_topNavMenu.get(); }
+    template <class BarPointer>
+    void setTopNavMenu(const BarPointer& menuBar) { m_topNavMenu.set(menuBar); }
+    SystemModule* systemModule() const { return m_systemModule.get(); }
+    template <class ModulePointer>
+    void setSystemModule(const ModulePointer& systemModule) { m_systemModule.set(systemModule); }
+    QTZStatusBar* statusBar() const { return m_statusBar.get(); }
+    template <class BarPointer>
+    void setStatusBar(const BarPointer& statusBar) { m_statusBar.set(statusBar); }
+    GUIManagerServer* guiManagerServer() const { return m_guiManagerServer.get(); }
+    template <class ServerPointer>
+    void setGUIManagerServer(const ServerPointer& server) { m_guiManagerServer.set(server); }
     QPoint dialogLastPosition() const { return m_dialogLastPosition; }
     void setDialogLastPosition(const QPoint& position) { m_dialogLastPosition = position; }
     QScriptEngine* scriptEngine() const { return m_scriptEngine.get(); }
@@ -100,10 +128,12 @@ public:
     /// The title of the window that holds \a widget (\a widget included); empty if none.
     static QString getParentWindowName(QWidget* widget);
 
-    /// The host hands over threads that must stop when the registry goes; they are
-    /// asked to quit, not waited for or deleted.
+    /// The host hands over threads that must stop when the registry goes: they are
+    /// asked to quit (their event loop and, for threads without one, an interruption
+    /// request) and waited for a bounded time, not deleted.
     void storeSubscriberThread(QThread* thread);
 
+    // The engine locker, through the gateway; see LockerGateway.
     /// Builds the engine locker if there is none yet; a failure is logged and retried
     /// at the next call.
     void verifyLockerCreated();
@@ -124,25 +154,48 @@ public:
     bool layoutLocked = false;
 
 private:
+    // A peer the host owns, read as null once it is destroyed. The typed pointer is kept
+    // beside a guard on its QObject because the guard can only be made where the peer's
+    // class is complete: in set(), which is instantiated at the caller.
+    template <class Peer>
+    class PeerPointer
+    {
+    public:
+        Peer* get() const { return m_object ? m_peer : nullptr; }
+        template <class Pointer> void set(const Pointer& pointer)
+        {
+            Peer* const peer = pointer;
+            m_peer = peer;
+            m_object = peer;
+        }
+
+    private:
+        Peer* m_peer = nullptr;
+        QPointer<QObject> m_object;
+    };
+
+    static GlobalImpl* findOrBuild(bool build);
+    static GlobalImpl* publish(GlobalImpl* registry);
     void computeGridPoints();
+    void stopSubscriberThreads();
 
-    static GlobalImpl* single;
-    static bool instanceFlag;
+    // Read without a lock by getInstance() on any thread; written under the instance
+    // mutex in GlobalImpl.cpp.
+    static std::atomic<GlobalImpl*> single;
 
-    DesktopImpl* m_desktop = nullptr;
-    DesktopManagerImpl* m_desktopManager = nullptr;
-    MenuContainerManager* m_menuContainerManager = nullptr;
+    PeerPointer<DesktopImpl> m_desktop;
+    PeerPointer<DesktopManagerImpl> m_desktopManager;
+    PeerPointer<MenuContainerManager> m_menuContainerManager;
     ModuleManagerImpl* m_moduleManager = nullptr;
-    NamingServiceImpl* m_namingService = nullptr;
-    MenuBar* m_topNavMenu = nullptr;
+    PeerPointer<NamingServiceImpl> m_namingService;
+    PeerPointer<MenuBar> m_topNavMenu;
     QPointer<QWidget> m_entryMechanism;
-    SystemModule* m_systemModule = nullptr;
-    GUIManagerServer* m_guiManagerServer = nullptr;
-    QTZStatusBar* m_statusBar = nullptr;
+    PeerPointer<SystemModule> m_systemModule;
+    PeerPointer<GUIManagerServer> m_guiManagerServer;
+    PeerPointer<QTZStatusBar> m_statusBar;
     QTZMessageOutputControl* m_messageOutputControl = nullptr;
-    std::unique_ptr<Orvanth::Locker> m_locker;
-    // Widgets may take the locker from DDS threads; its first construction is guarded.
-    std::mutex m_lockerMutex;
+    // Shared with threads that hold it through currentLockerGateway().
+    const std::shared_ptr<LockerGateway> m_lockerGateway;
     QList<QPointer<QThread>> m_subscriberThreads;
     std::unique_ptr<QScriptEngine> m_scriptEngine;
     QPoint m_dialogLastPosition;

@@ -52,7 +52,7 @@ void DesktopImpl::updateMessageOutput()
 
 void DesktopImpl::closeEvent(QCloseEvent* event)
 {
-    delete GlobalImpl::getInstance();
+    delete GlobalImpl::existingInstance();
     event->accept();
 }
 
