@@ -261,6 +261,7 @@ int MenuBar::remainingHideTime() const
 void MenuBar::toggle()
 {
     raise();
+    // A slide still under way would overwrite where this toggle puts the bar.
     geometryAnimation.stop();
     if (ApplicationOptions::animationSwitchedOn()) {
         if (isOpen) {
