@@ -20,14 +20,14 @@ Locker::Locker()
 
     CORBA::Object_var object = m_orb->ResolveName(ManagerPath);
     if (CORBA::is_nil(object))
-        throw Connection_errors::Not_Connected("no lock manager bound as Lumaro/local/Locker");
+        throw Connection_errors::Not_Connected((std::string("no lock manager bound as ") + ManagerPath).c_str());
     try {
         m_manager = LockManager::_narrow(object);
     } catch (const CORBA::SystemException& e) {
         throw Connection_errors::Not_Connected((std::string("lock manager unreachable: ") + e._name()).c_str());
     }
     if (CORBA::is_nil(m_manager))
-        throw Connection_errors::Not_Connected("Lumaro/local/Locker is not a lock manager");
+        throw Connection_errors::Not_Connected((std::string(ManagerPath) + " is not a lock manager").c_str());
     // Registers this process; a dead manager throws here, so a Locker that exists has spoken to one.
     m_manager->LockerIdentity(m_owner.c_str());
 }

@@ -1,6 +1,8 @@
 #ifndef ORVANTH_LOCKER_H
 #define ORVANTH_LOCKER_H
 
+#include "OrvanthNames.h"
+
 #include <Orvanth.hh>
 
 #include <memory>
@@ -14,15 +16,15 @@ namespace Orvanth {
  * This process's locker: its identity towards engine attributes and the authority it
  * hands to their Lock calls.
  *
- * Construction finds the engine's lock manager (bound as Lumaro/local/Locker) and
- * registers this process with it; it throws Connection_errors::Not_Connected when the
- * manager cannot be reached. Neither the id nor the authority is cached: each call
+ * Construction finds the engine's lock manager (bound as Names::LockerPath) through the
+ * running process ORB and registers this process with it; it throws
+ * Connection_errors::Not_Connected when the manager cannot be reached. Neither the id nor the authority is cached: each call
  * asks the manager, so a restarted engine is noticed at the next call.
  */
 class Locker
 {
 public:
-    static constexpr const char* ManagerPath = "Lumaro/local/Locker";
+    static constexpr const char* ManagerPath = Names::LockerPath;
 
     Locker();
     ~Locker();

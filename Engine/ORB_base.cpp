@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
+#include <exception>
 #include <iostream>
+#include <limits>
 #include <mutex>
+#include <set>
 
 namespace {
 
@@ -40,26 +42,25 @@ bool takesValue(const std::vector<std::string>& options, std::size_t index)
     return index + 1 < options.size() && options[index + 1].rfind("-", 0) != 0;
 }
 
-int callTimeoutMs()
+const char callTimeoutOption[] = "-ORBclientCallTimeOutPeriod";
+
+// The process-wide call time-out from ORVANTH_CALL_TIMEOUT_MS; \a warning says why the
+// variable was not taken.
+int callTimeoutMs(std::string* warning)
 {
     if (const char* text = std::getenv("ORVANTH_CALL_TIMEOUT_MS")) {
         char* end = nullptr;
         const long value = std::strtol(text, &end, 10);
         if (end != text && *end == '\0' && value > 0 && value < 3600 * 1000)
             return int(value);
-        std::cerr << "Orvanth ORB - ignoring ORVANTH_CALL_TIMEOUT_MS \"" << text << "\"" << std::endl;
+        if (warning)
+            *warning = std::string("Orvanth ORB - ignoring ORVANTH_CALL_TIMEOUT_MS \"") + text + "\"";
     }
     return ORB_base::DefaultCallTimeoutMs;
 }
 
-std::mutex orbMutex;
-CORBA::ORB_var processOrbRef;
-PortableServer::POA_var rootPoaRef;
-
-} // namespace
-
-std::vector<std::string> ORB_base::sanitizedOptions(const std::vector<std::string>& options,
-                                                    std::vector<std::string>* dropped)
+std::vector<std::string> sanitize(const std::vector<std::string>& options, std::vector<std::string>* dropped,
+                                  std::string* timeoutWarning)
 {
     std::vector<std::string> kept;
     bool hasEndpoint = false;
@@ -78,7 +79,7 @@ std::vector<std::string> ORB_base::sanitizedOptions(const std::vector<std::strin
             continue;
         }
         hasEndpoint = hasEndpoint || isEndpointOption(option);
-        hasCallTimeout = hasCallTimeout || option == "-ORBclientCallTimeOutPeriod";
+        hasCallTimeout = hasCallTimeout || option == callTimeoutOption;
         kept.push_back(option);
     }
     if (!hasEndpoint) {
@@ -86,32 +87,46 @@ std::vector<std::string> ORB_base::sanitizedOptions(const std::vector<std::strin
         kept.push_back(loopbackEndpoint);
     }
     if (!hasCallTimeout) {
-        kept.push_back("-ORBclientCallTimeOutPeriod");
-        kept.push_back(std::to_string(callTimeoutMs()));
+        kept.push_back(callTimeoutOption);
+        kept.push_back(std::to_string(callTimeoutMs(timeoutWarning)));
     }
     return kept;
 }
 
-CORBA::ORB_ptr ORB_base::processOrb(const std::vector<std::string>& argv)
+std::string joined(const std::vector<std::string>& options)
 {
-    std::lock_guard<std::mutex> lock(orbMutex);
-    if (!CORBA::is_nil(processOrbRef)) {
-        if (argv.size() > 1)
-            std::cerr << "Orvanth ORB - the process ORB is already running; "
-                      << argv.size() - 1 << " option(s) of a later initialisation are ignored" << std::endl;
-        return processOrbRef.in();
-    }
+    std::string text;
+    for (const std::string& option : options)
+        text += (text.empty() ? "" : " ") + option;
+    return text;
+}
 
+std::mutex orbMutex;
+CORBA::ORB_var processOrbRef;
+PortableServer::POA_var rootPoaRef;
+// What the running ORB was started with, and the other options already reported as ignored.
+std::vector<std::string> startOptions;
+std::set<std::vector<std::string>> reportedOptions;
+std::chrono::milliseconds runningCallTimeout{0};
+
+std::mutex sinkMutex;
+ORB_base::DiagnosticSink diagnosticSink;
+
+// Starts the ORB; orbMutex is held. Diagnostic lines are collected, not reported, so
+// that no sink runs under the lock.
+void initialise(const std::vector<std::string>& given, std::vector<std::string>* lines)
+{
     std::vector<std::string> dropped;
-    const std::vector<std::string> options = sanitizedOptions(
-        std::vector<std::string>(argv.size() > 1 ? argv.begin() + 1 : argv.end(), argv.end()), &dropped);
+    std::string timeoutWarning;
+    const std::vector<std::string> options = sanitize(given, &dropped, &timeoutWarning);
+    if (!timeoutWarning.empty())
+        lines->push_back(timeoutWarning);
     for (const std::string& text : dropped)
-        std::cerr << "Orvanth ORB - dropped option \"" << text
-                  << "\": not an omniORB option or not a loopback endpoint" << std::endl;
+        lines->push_back("Orvanth ORB - dropped option \"" + text
+                         + "\": not an omniORB option or not a loopback endpoint");
 
     // ORB_init takes argv by pointer and removes what it consumes; keep our own copies.
-    std::vector<std::string> storage;
-    storage.push_back(argv.empty() ? std::string("orvanth") : argv.front());
+    std::vector<std::string> storage{"orvanth"};
     storage.insert(storage.end(), options.begin(), options.end());
     std::vector<char*> arguments;
     for (std::string& text : storage)
@@ -119,28 +134,97 @@ CORBA::ORB_ptr ORB_base::processOrb(const std::vector<std::string>& argv)
     arguments.push_back(nullptr);
     int argc = int(storage.size());
     processOrbRef = CORBA::ORB_init(argc, arguments.data(), "omniORB4");
-    return processOrbRef.in();
+
+    startOptions = given;
+    reportedOptions.clear();
+    const auto timeout = std::find(options.begin(), options.end(), callTimeoutOption);
+    const bool valued = timeout != options.end() && timeout + 1 != options.end();
+    runningCallTimeout = std::chrono::milliseconds(valued ? std::strtol((timeout + 1)->c_str(), nullptr, 10) : 0);
+}
+
+PortableServer::POA_ptr rootPoaLocked()
+{
+    if (CORBA::is_nil(processOrbRef))
+        throw CORBA::BAD_INV_ORDER();
+    if (CORBA::is_nil(rootPoaRef)) {
+        CORBA::Object_var object = processOrbRef->resolve_initial_references("RootPOA");
+        rootPoaRef = PortableServer::POA::_narrow(object);
+        PortableServer::POAManager_var manager = rootPoaRef->the_POAManager();
+        manager->activate();
+    }
+    return rootPoaRef.in();
+}
+
+} // namespace
+
+std::vector<std::string> ORB_base::sanitizedOptions(const std::vector<std::string>& options,
+                                                    std::vector<std::string>* dropped)
+{
+    return sanitize(options, dropped, nullptr);
+}
+
+CORBA::ORB_ptr ORB_base::start(const std::vector<std::string>& options)
+{
+    std::vector<std::string> lines;
+    std::exception_ptr failure;
+    CORBA::ORB_ptr orb = CORBA::ORB::_nil();
+    {
+        std::lock_guard<std::mutex> lock(orbMutex);
+        if (CORBA::is_nil(processOrbRef)) {
+            try {
+                initialise(options, &lines);
+            } catch (...) {
+                // Reported first: what was dropped may be why ORB_init refused the rest.
+                failure = std::current_exception();
+            }
+        } else if (!options.empty() && options != startOptions && reportedOptions.insert(options).second) {
+            lines.push_back("Orvanth ORB - the process ORB is already running; ignoring the options \""
+                            + joined(options) + "\"");
+        }
+        orb = processOrbRef.in();
+    }
+    for (const std::string& line : lines)
+        report(line);
+    if (failure)
+        std::rethrow_exception(failure);
+    return orb;
+}
+
+bool ORB_base::isRunning()
+{
+    std::lock_guard<std::mutex> lock(orbMutex);
+    return !CORBA::is_nil(processOrbRef);
 }
 
 void ORB_base::destroyProcessOrb()
 {
-    std::lock_guard<std::mutex> lock(orbMutex);
-    if (CORBA::is_nil(processOrbRef))
-        return;
-    rootPoaRef = PortableServer::POA::_nil();
-    try {
-        processOrbRef->destroy();
-    } catch (const CORBA::Exception& e) {
-        std::cerr << "Orvanth ORB - destroy failed: " << e._name() << std::endl;
+    std::string failure;
+    {
+        std::lock_guard<std::mutex> lock(orbMutex);
+        if (CORBA::is_nil(processOrbRef))
+            return;
+        rootPoaRef = PortableServer::POA::_nil();
+        try {
+            processOrbRef->destroy();
+        } catch (const CORBA::Exception& e) {
+            failure = std::string("Orvanth ORB - destroy failed: ") + e._name();
+        }
+        processOrbRef = CORBA::ORB::_nil();
+        startOptions.clear();
+        reportedOptions.clear();
     }
-    processOrbRef = CORBA::ORB::_nil();
+    if (!failure.empty())
+        report(failure);
+}
+
+ORB_base::ORB_base()
+{
+    start();
 }
 
 ORB_base::ORB_base(const std::vector<std::string>& options)
 {
-    std::vector<std::string> argv{"orvanth"};
-    argv.insert(argv.end(), options.begin(), options.end());
-    processOrb(argv);
+    start(options);
 }
 
 ORB_base::~ORB_base() = default;
@@ -154,11 +238,101 @@ CORBA::ORB_ptr ORB_base::orb() const
 PortableServer::POA_ptr ORB_base::rootPoa() const
 {
     std::lock_guard<std::mutex> lock(orbMutex);
-    if (CORBA::is_nil(rootPoaRef)) {
-        CORBA::Object_var object = processOrbRef->resolve_initial_references("RootPOA");
-        rootPoaRef = PortableServer::POA::_narrow(object);
-        PortableServer::POAManager_var manager = rootPoaRef->the_POAManager();
-        manager->activate();
+    return rootPoaLocked();
+}
+
+PortableServer::POA_ptr ORB_base::singleThreadPoa(const std::string& name) const
+{
+    PortableServer::POA_ptr root = rootPoa();
+    try {
+        return root->find_POA(name.c_str(), false);
+    } catch (const PortableServer::POA::AdapterNonExistent&) {
     }
-    return rootPoaRef.in();
+    PortableServer::POAManager_var manager = root->the_POAManager();
+    CORBA::PolicyList policies;
+    policies.length(1);
+    policies[0] = root->create_thread_policy(PortableServer::SINGLE_THREAD_MODEL);
+    PortableServer::POA_var poa;
+    try {
+        poa = root->create_POA(name.c_str(), manager, policies);
+    } catch (const PortableServer::POA::AdapterAlreadyExists&) {
+        // Another thread created it in the meantime.
+        poa = root->find_POA(name.c_str(), false);
+    } catch (...) {
+        policies[0]->destroy();
+        throw;
+    }
+    policies[0]->destroy();
+    return poa._retn();
+}
+
+CORBA::Object_ptr ORB_base::activate(PortableServer::ServantBase* servant, PortableServer::POA_ptr poa) const
+{
+    PortableServer::POA_ptr target = CORBA::is_nil(poa) ? rootPoa() : poa;
+    try {
+        // The root POA activates implicitly here; other POAs say the servant is not active.
+        PortableServer::ObjectId_var id = target->servant_to_id(servant);
+        return target->id_to_reference(id);
+    } catch (const PortableServer::POA::ServantNotActive&) {
+        PortableServer::ObjectId_var id = target->activate_object(servant);
+        return target->id_to_reference(id);
+    }
+}
+
+void ORB_base::deactivate(PortableServer::ServantBase* servant, PortableServer::POA_ptr poa) const
+{
+    PortableServer::POA_ptr target = CORBA::is_nil(poa) ? rootPoa() : poa;
+    try {
+        PortableServer::ObjectId_var id = target->servant_to_id(servant);
+        target->deactivate_object(id);
+    } catch (const PortableServer::POA::ServantNotActive&) {
+    } catch (const PortableServer::POA::ObjectNotActive&) {
+    }
+}
+
+std::chrono::milliseconds ORB_base::defaultCallTimeout()
+{
+    {
+        std::lock_guard<std::mutex> lock(orbMutex);
+        if (!CORBA::is_nil(processOrbRef))
+            return runningCallTimeout;
+    }
+    return std::chrono::milliseconds(callTimeoutMs(nullptr));
+}
+
+void ORB_base::setCallTimeout(CORBA::Object_ptr object, std::chrono::milliseconds timeout)
+{
+    if (CORBA::is_nil(object))
+        return;
+    // omniORB reads 0 on a reference as "no time-out of its own": the longest it can
+    // express (49 days) stands for none.
+    constexpr auto longest = std::numeric_limits<CORBA::ULong>::max();
+    const std::chrono::milliseconds::rep milliseconds = timeout.count();
+    const bool none = milliseconds <= 0 || milliseconds >= std::chrono::milliseconds::rep(longest);
+    omniORB::setClientCallTimeout(object, none ? longest : CORBA::ULong(milliseconds));
+}
+
+void ORB_base::clearCallTimeout(CORBA::Object_ptr object)
+{
+    if (!CORBA::is_nil(object))
+        omniORB::setClientCallTimeout(object, 0);
+}
+
+void ORB_base::setDiagnosticSink(DiagnosticSink sink)
+{
+    std::lock_guard<std::mutex> lock(sinkMutex);
+    diagnosticSink = std::move(sink);
+}
+
+void ORB_base::report(const std::string& line)
+{
+    DiagnosticSink sink;
+    {
+        std::lock_guard<std::mutex> lock(sinkMutex);
+        sink = diagnosticSink;
+    }
+    if (sink)
+        sink(line);
+    else
+        std::cerr << line << std::endl;
 }

@@ -3,27 +3,44 @@
 
 #include <omniORB4/CORBA.h>
 
+#include <chrono>
+#include <functional>
 #include <string>
 #include <vector>
 
 /**
- * Access to the one ORB of the process.
+ * Access to the one ORB of the process, and serving objects from it.
  *
  * omniORB keeps a single ORB per process: a second ORB_init returns the first ORB and
- * ignores its arguments. The first ORB_base to be built therefore decides the options;
- * options of later ones are only checked and reported. Whatever the caller passes, the
- * ORB listens on 127.0.0.1 only and bounds every outgoing call with a time-out, so a
- * hung peer surfaces as CORBA::TIMEOUT instead of blocking its caller for ever.
+ * ignores its arguments. So the ORB is started once, by start() with the program's
+ * options (a host does that through the application's options); everything after it
+ * (the locker, naming-service clients, servers) builds an ORB_base without options and
+ * uses the running ORB. Options of other ORBs are removed and reported; whatever the
+ * caller passes, the ORB listens on 127.0.0.1 only, keeps omniORB's default code sets
+ * (text is UTF-8 on the wire, so the native code set is never set) and bounds every
+ * outgoing call with a time-out, so a hung peer surfaces as CORBA::TIMEOUT instead of
+ * blocking its caller for ever. A reference whose calls may rightly take long (a
+ * dialog that waits for the user) gets its own time-out through setCallTimeout().
+ *
+ * Servants are activated in the root POA (calls run concurrently on ORB worker threads)
+ * or in a single-thread POA (one call at a time, so a call that blocks holds back every
+ * later call on that POA's servants).
  */
 class ORB_base
 {
 public:
     /// The time-out of every outgoing call unless ORVANTH_CALL_TIMEOUT_MS says otherwise.
     static constexpr int DefaultCallTimeoutMs = 5000;
+    /// For setCallTimeout(): calls on the reference wait as long as the peer takes.
+    static constexpr std::chrono::milliseconds NoCallTimeout{0};
 
-    /// \a options are ORB command-line options ("-ORBInitRef", "NameService=...", ...);
-    /// a leading program name is not expected.
-    explicit ORB_base(const std::vector<std::string>& options = {});
+    /// Where the ORB layer's diagnostic lines go; standard error unless a sink is set.
+    using DiagnosticSink = std::function<void(const std::string& line)>;
+
+    /// Uses the running process ORB; starts it without options only if none runs.
+    ORB_base();
+    /// start(options), then uses the process ORB.
+    explicit ORB_base(const std::vector<std::string>& options);
     virtual ~ORB_base();
 
     ORB_base(const ORB_base&) = delete;
@@ -32,12 +49,36 @@ public:
     /// The process ORB (not duplicated: do not release).
     CORBA::ORB_ptr orb() const;
 
-    /// The root POA with its manager active, for serving objects (not duplicated).
+    /// The root POA with its manager active (not duplicated). Its servants take calls
+    /// concurrently.
     PortableServer::POA_ptr rootPoa() const;
 
-    /// Initialises the process ORB from an argv-like vector if it is not running yet,
-    /// and returns it (not duplicated). The vector's first entry is the program name.
-    static CORBA::ORB_ptr processOrb(const std::vector<std::string>& argv);
+    /// A child POA of the root POA, named \a name, that hands its servants one call at a
+    /// time (SINGLE_THREAD_MODEL) and shares the root POA's active manager; the existing
+    /// POA when one of that name exists. Duplicated: keep it in a POA_var.
+    PortableServer::POA_ptr singleThreadPoa(const std::string& name) const;
+
+    /// Activates \a servant in \a poa (the root POA when nil) unless it is active there,
+    /// and returns a new reference to it. The POA takes its own count on the servant:
+    /// drop yours with _remove_ref() when you no longer need the servant.
+    CORBA::Object_ptr activate(PortableServer::ServantBase* servant,
+                               PortableServer::POA_ptr poa = PortableServer::POA::_nil()) const;
+
+    /// Deactivates \a servant in \a poa (the root POA when nil); calls on its references
+    /// then fail with OBJECT_NOT_EXIST. Nothing happens when it is not active.
+    void deactivate(PortableServer::ServantBase* servant,
+                    PortableServer::POA_ptr poa = PortableServer::POA::_nil()) const;
+
+    /// Starts the process ORB with \a options ("-ORBInitRef", "NameService=...", ...; no
+    /// program name) and returns it (not duplicated). When it runs already it is returned
+    /// as it is; options other than those it was started with are then reported, once.
+    static CORBA::ORB_ptr start(const std::vector<std::string>& options = {});
+
+    /// Whether the process ORB runs.
+    static bool isRunning();
+
+    /// Shuts the process ORB down and destroys it; for the end of a program.
+    static void destroyProcessOrb();
 
     /// The options the ORB would be given for \a options: options only another ORB
     /// understands are removed (and listed in \a dropped), endpoints are forced to
@@ -45,8 +86,24 @@ public:
     static std::vector<std::string> sanitizedOptions(const std::vector<std::string>& options,
                                                      std::vector<std::string>* dropped = nullptr);
 
-    /// Shuts the process ORB down and destroys it; for the end of a program.
-    static void destroyProcessOrb();
+    /// The time-out of calls on references without one of their own: the running ORB's,
+    /// or the one the next start() gives.
+    static std::chrono::milliseconds defaultCallTimeout();
+
+    /// Gives calls through \a object (this reference and its duplicates, not references
+    /// narrowed from it later) the time-out \a timeout; NoCallTimeout lets them wait for
+    /// ever. Set it on the reference you call through, after _narrow.
+    static void setCallTimeout(CORBA::Object_ptr object, std::chrono::milliseconds timeout);
+
+    /// Calls through \a object fall back to defaultCallTimeout().
+    static void clearCallTimeout(CORBA::Object_ptr object);
+
+    /// Sends the ORB layer's diagnostic lines to \a sink (from any thread); an empty sink
+    /// sends them to standard error again.
+    static void setDiagnosticSink(DiagnosticSink sink);
+
+    /// Writes one diagnostic line through the sink.
+    static void report(const std::string& line);
 };
 
 #endif

@@ -14,6 +14,8 @@ namespace {
 
 } // namespace
 
+ORB_wrapper_base::ORB_wrapper_base() = default;
+
 ORB_wrapper_base::ORB_wrapper_base(const std::vector<std::string>& options)
     : ORB_base(options)
 {
@@ -157,4 +159,26 @@ bool ORB_wrapper_base::UnbindName(const std::string& path)
         notConnected("unbinding " + path, e);
     }
     return false;
+}
+
+CORBA::Object_ptr ORB_wrapper_base::serve(const std::string& path, PortableServer::ServantBase* servant,
+                                          PortableServer::POA_ptr poa)
+{
+    CORBA::Object_var object = activate(servant, poa);
+    BindName(path, object);
+    return object._retn();
+}
+
+bool ORB_wrapper_base::withdraw(const std::string& path, PortableServer::ServantBase* servant,
+                                PortableServer::POA_ptr poa)
+{
+    bool wasBound = false;
+    try {
+        wasBound = UnbindName(path);
+    } catch (...) {
+        deactivate(servant, poa);
+        throw;
+    }
+    deactivate(servant, poa);
+    return wasBound;
 }

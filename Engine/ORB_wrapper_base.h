@@ -9,16 +9,20 @@
 #include <vector>
 
 /**
- * Naming-service client over the process ORB.
+ * Naming-service client over the process ORB, and the binding of served objects.
  *
  * Paths are written with "/" between the components ("Lumaro/local/GUI_ABLE"); every
  * component has the empty kind. The root context is found through the initial
- * reference "NameService" (-ORBInitRef or the ORBInitRef environment variable).
+ * reference "NameService" of the process ORB (-ORBInitRef when the ORB was started, or
+ * the ORBInitRef environment variable).
  */
 class ORB_wrapper_base : public ORB_base
 {
 public:
-    explicit ORB_wrapper_base(const std::vector<std::string>& options = {});
+    /// Uses the running process ORB; starts it without options only if none runs.
+    ORB_wrapper_base();
+    /// ORB_base::start(options), then uses the process ORB.
+    explicit ORB_wrapper_base(const std::vector<std::string>& options);
     ~ORB_wrapper_base() override;
 
     /// The names bound directly under the context \a path, in the naming service's
@@ -36,6 +40,18 @@ public:
 
     /// Removes the binding \a path; returns false when there was none.
     bool UnbindName(const std::string& path);
+
+    /// Activates \a servant in \a poa (the root POA when nil) unless it is active there,
+    /// binds it under \a path as BindName() does and returns a new reference to it.
+    CORBA::Object_ptr serve(const std::string& path, PortableServer::ServantBase* servant,
+                            PortableServer::POA_ptr poa = PortableServer::POA::_nil());
+
+    /// Unbinds \a path and deactivates \a servant in \a poa (the root POA when nil);
+    /// the servant is deactivated also when the naming service cannot be reached, and
+    /// Orvanth::Connection_errors::Not_Connected is thrown then. Returns false when
+    /// nothing was bound under \a path.
+    bool withdraw(const std::string& path, PortableServer::ServantBase* servant,
+                  PortableServer::POA_ptr poa = PortableServer::POA::_nil());
 
     /// The root naming context (duplicated; the caller releases it). Throws
     /// Orvanth::Connection_errors::Not_Connected when the naming service cannot be reached.

@@ -3,9 +3,9 @@
 #include "SimulatorConsole.h"
 #include "SimulatorOptions.h"
 
-#include "EngineServer.h"
 #include "GuiAbleServant.h"
 #include "LockManagerServant.h"
+#include "ORB_base.h"
 
 using namespace Orvanth;
 using namespace Orvanth::TKWW_DDS;
@@ -77,10 +77,10 @@ SimulatedAttributes::~SimulatedAttributes()
     m_menuBarTimeout.servant->_remove_ref();
 }
 
-void SimulatedAttributes::addTo(EngineServer& server, GuiAbleServant& module)
+void SimulatedAttributes::addTo(const ORB_base& orb, GuiAbleServant& module)
 {
     const auto add = [&](const char* name, PortableServer::ServantBase* servant) {
-        CORBA::Object_var object = server.activate(servant);
+        CORBA::Object_var object = orb.activate(servant);
         EngineReadingBase_var reading = EngineReadingBase::_narrow(object);
         module.addAttribute(name, reading);
     };
@@ -91,14 +91,14 @@ void SimulatedAttributes::addTo(EngineServer& server, GuiAbleServant& module)
     m_activated = true;
 }
 
-void SimulatedAttributes::deactivate(EngineServer& server)
+void SimulatedAttributes::deactivate(const ORB_base& orb)
 {
     if (!m_activated)
         return;
-    server.deactivate(m_action);
-    server.deactivate(m_displayMode.servant);
-    server.deactivate(m_refOscillator.servant);
-    server.deactivate(m_menuBarTimeout.servant);
+    orb.deactivate(m_action);
+    orb.deactivate(m_displayMode.servant);
+    orb.deactivate(m_refOscillator.servant);
+    orb.deactivate(m_menuBarTimeout.servant);
     m_activated = false;
 }
 

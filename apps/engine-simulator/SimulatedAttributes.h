@@ -10,10 +10,10 @@
 #include <mutex>
 #include <string>
 
+class ORB_base;
 class SimulatorOptions;
 
 namespace Orvanth {
-class EngineServer;
 class GuiAbleServant;
 class LockManagerServant;
 } // namespace Orvanth
@@ -43,12 +43,12 @@ public:
     SimulatedAttributes(const SimulatedAttributes&) = delete;
     SimulatedAttributes& operator=(const SimulatedAttributes&) = delete;
 
-    /// Activates the attributes in \a server's POA (once) and makes them findable by name
+    /// Activates the attributes in the root POA (once) and makes them findable by name
     /// through \a module.
-    void addTo(Orvanth::EngineServer& server, Orvanth::GuiAbleServant& module);
+    void addTo(const ORB_base& orb, Orvanth::GuiAbleServant& module);
 
     /// Deactivates every attribute; calls on them fail from now on.
-    void deactivate(Orvanth::EngineServer& server);
+    void deactivate(const ORB_base& orb);
 
     /// Publishes the current values again, for readers that joined since the last change.
     void publishValues();

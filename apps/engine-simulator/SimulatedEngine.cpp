@@ -2,7 +2,7 @@
 
 #include "SimulatorConsole.h"
 
-#include "Locker.h"
+#include "OrvanthNames.h"
 
 #include <algorithm>
 #include <ctime>
@@ -20,20 +20,19 @@ std::chrono::steady_clock::duration periodOf(double seconds)
 
 std::string modulePath(int index)
 {
-    return std::string(SimulatedEngine::ModuleContext) + "/" + std::to_string(index);
+    return std::string(Names::GuiAbleContext) + "/" + std::to_string(index);
 }
 
 } // namespace
 
 SimulatedEngine::SimulatedEngine(const SimulatorOptions& options)
     : m_options(options)
-    , m_server(options.orbOptions)
     , m_lockManager(new LockManagerServant)
     , m_attributes(options)
-    , m_moduleTopic(ModuleTopic)
-    , m_eventTopic(EventTopic)
-    , m_powerTopic(PowerTopic)
-    , m_batteryTopic(BatteryTopic)
+    , m_moduleTopic(Names::GuiAbleTopic)
+    , m_eventTopic(Names::EventTopic)
+    , m_powerTopic(Names::ExternalVoltageTopic)
+    , m_batteryTopic(Names::BatteryTopic)
     , m_events(options.eventClasses)
     , m_battery(options.batteryStart, options.batteryDrain, options.batteryFloor, options.externalPower)
 {
@@ -49,7 +48,7 @@ SimulatedEngine::~SimulatedEngine()
 
 void SimulatedEngine::start()
 {
-    CORBA::Object_var manager = m_server.serve(Locker::ManagerPath, m_lockManager);
+    CORBA::Object_var manager = m_orb.serve(Names::LockerPath, m_lockManager);
     for (int index = 1; index <= m_options.modules; ++index)
         bindModule(index);
     m_worker = std::thread(&SimulatedEngine::run, this);
@@ -73,12 +72,11 @@ void SimulatedEngine::stop()
     // The last announcements must leave before the process and its writer go.
     m_moduleTopic.waitForAcknowledgments(std::chrono::seconds(2));
     try {
-        m_server.UnbindName(Locker::ManagerPath);
+        m_orb.withdraw(Names::LockerPath, m_lockManager);
     } catch (const CORBA::Exception& e) {
         announce(std::string("cannot unbind the lock manager: ") + e._name());
     }
-    m_server.deactivate(m_lockManager);
-    m_attributes.deactivate(m_server);
+    m_attributes.deactivate(m_orb);
 }
 
 void SimulatedEngine::bindModule(int index)
@@ -86,9 +84,9 @@ void SimulatedEngine::bindModule(int index)
     GuiAbleServant*& module = m_modules[index];
     if (!module) {
         module = new GuiAbleServant;
-        m_attributes.addTo(m_server, *module);
+        m_attributes.addTo(m_orb, *module);
     }
-    CORBA::Object_var object = m_server.serve(modulePath(index), module);
+    CORBA::Object_var object = m_orb.serve(modulePath(index), module);
     m_bound[index] = true;
     const std::string announcement = "create," + std::to_string(index);
     ATTR_STRING sample;
@@ -100,11 +98,10 @@ void SimulatedEngine::bindModule(int index)
 void SimulatedEngine::unbindModule(int index)
 {
     try {
-        m_server.UnbindName(modulePath(index));
+        m_orb.withdraw(modulePath(index), m_modules[index]);
     } catch (const CORBA::Exception& e) {
         announce("cannot unbind " + modulePath(index) + ": " + e._name());
     }
-    m_server.deactivate(m_modules[index]);
     m_bound[index] = false;
     const std::string announcement = "destroy," + std::to_string(index);
     ATTR_STRING sample;

@@ -6,9 +6,9 @@
 #include "SimulatedAttributes.h"
 #include "SimulatorOptions.h"
 
-#include "EngineServer.h"
 #include "GuiAbleServant.h"
 #include "LockManagerServant.h"
+#include "ORB_wrapper_base.h"
 #include "TopicPublisher.h"
 
 #include <OrvanthTopicsPubSubTypes.h>
@@ -21,21 +21,15 @@
 
 /**
  * The instrument's engines as the user interface sees them: GUI modules bound under
- * Lumaro/local/GUI_ABLE, the lock manager bound as Lumaro/local/Locker, the attributes,
+ * Names::GuiAbleContext, the lock manager bound as Names::LockerPath, the attributes,
  * and a worker thread that publishes event messages, battery readings, mains power and
  * module announcements at the rates the options give.
  */
 class SimulatedEngine
 {
 public:
-    static constexpr const char* ModuleContext = "Lumaro/local/GUI_ABLE";
-    static constexpr const char* ModuleTopic = "Lumaro/local/GUI_ABLE";
-    static constexpr const char* EventTopic = "Lumaro/local/EVTMSG";
-    static constexpr const char* PowerTopic = "Lumaro/local/ExternalVoltage";
-    static constexpr const char* BatteryTopic = "Lumaro/local/SYSTEM/1/BATTERYSTATUS1";
-
-    /// Starts the ORB and creates the publishers; throws a CORBA exception or
-    /// Orvanth::Connection_errors::Not_Connected when either is unavailable.
+    /// Serves from the running process ORB and creates the publishers; throws
+    /// Orvanth::Connection_errors::Not_Connected when DDS is unavailable.
     explicit SimulatedEngine(const SimulatorOptions& options);
     ~SimulatedEngine();
 
@@ -58,7 +52,7 @@ private:
     void churnModule();
 
     const SimulatorOptions m_options;
-    Orvanth::EngineServer m_server;
+    ORB_wrapper_base m_orb;
     Orvanth::LockManagerServant* m_lockManager;
     SimulatedAttributes m_attributes;
     std::map<int, Orvanth::GuiAbleServant*> m_modules; // index -> servant, bound or not

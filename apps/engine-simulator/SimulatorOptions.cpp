@@ -1,5 +1,7 @@
 #include "SimulatorOptions.h"
 
+#include "OrvanthNames.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <fstream>
@@ -12,7 +14,7 @@ struct OptionEntry
 {
     const char* name;
     const char* argument; // empty: a flag without value
-    const char* help;
+    std::string help;
     std::function<bool(SimulatorOptions&, const std::string&)> apply;
 };
 
@@ -77,7 +79,8 @@ bool toClassList(const std::string& text, std::vector<std::uint32_t>* classes)
 const std::vector<OptionEntry>& optionTable()
 {
     static const std::vector<OptionEntry> table{
-        {"events-per-second", "RATE", "event messages per second on Lumaro/local/EVTMSG; 0: none (default 0.2)",
+        {"events-per-second", "RATE",
+         std::string("event messages per second on ") + Orvanth::Names::EventTopic + "; 0: none (default 0.2)",
          [](SimulatorOptions& o, const std::string& v) { return toDouble(v, 0.0, 10000.0, &o.eventsPerSecond); }},
         {"event-classes", "LIST",
          "comma-separated event classes the messages cycle through (default 0,1,2,3,4,5; above 5 is no known class)",
@@ -93,7 +96,7 @@ const std::vector<OptionEntry>& optionTable()
          [](SimulatorOptions& o, const std::string& v) { return toDouble(v, 0.0, 100.0, &o.batteryFloor); }},
         {"external-power", "on|off", "mains power present at start (default off)",
          [](SimulatorOptions& o, const std::string& v) { return toSwitch(v, &o.externalPower); }},
-        {"modules", "N", "GUI modules bound as Lumaro/local/GUI_ABLE/1 .. N (default 2)",
+        {"modules", "N", std::string("GUI modules bound as ") + Orvanth::Names::GuiAbleContext + "/1 .. N (default 2)",
          [](SimulatorOptions& o, const std::string& v) { return toInt(v, 0, 1000, &o.modules); }},
         {"module-churn", "SECONDS",
          "every SECONDS the highest module goes (destroy,N) or comes back (create,N); 0: never (default 0)",
@@ -240,8 +243,9 @@ std::string SimulatorOptions::usage()
     std::ostringstream text;
     text << "Usage: tz-engine-simulator [options] [-ORBInitRef NameService=corbaname::127.0.0.1:PORT]\n"
             "\n"
-            "Plays the instrument's engines: binds GUI modules under Lumaro/local/GUI_ABLE and a lock\n"
-            "manager as Lumaro/local/Locker, serves the attributes RUNACTION1 (action), DISPLAYMODE1\n"
+            "Plays the instrument's engines: binds GUI modules under "
+         << Orvanth::Names::GuiAbleContext << " and a lock\nmanager as " << Orvanth::Names::LockerPath
+         << ", serves the attributes RUNACTION1 (action), DISPLAYMODE1\n"
             "and REFOSCILLATOR1 (enum) and MenuBarTimeout1 (long), and publishes event messages,\n"
             "battery readings, mains power and module announcements over DDS (domain from\n"
             "ORVANTH_DDS_DOMAIN). The naming service comes from -ORBInitRef or the ORBInitRef\n"

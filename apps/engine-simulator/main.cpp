@@ -30,6 +30,8 @@ int main(int argc, char* argv[])
     {
         std::unique_ptr<SimulatedEngine> engine;
         try {
+            // The one start of the process ORB; everything after it takes the running ORB.
+            ORB_base::start(options.orbOptions);
             engine = std::make_unique<SimulatedEngine>(options);
             engine->start();
         } catch (const Orvanth::Connection_errors::Not_Connected& e) {

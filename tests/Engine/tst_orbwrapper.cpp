@@ -1,21 +1,69 @@
-// The ORB layer against a real omniNames and real engine processes.
+// The ORB layer against a real omniNames and real engine processes: one process ORB,
+// the naming-service client, and serving objects from this process.
 
 #include "ChildProcess.h"
 #include "NamingServiceProcess.h"
 
 #include "CorbaText.h"
+#include "GuiAbleServant.h"
 #include "Locker.h"
 #include "ORB_wrapper_base.h"
+#include "OrvanthNames.h"
 
 #include <Orvanth.hh>
 
-#include <QElapsedTimer>
 #include <QtTest>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
+#include <thread>
 
 Q_DECLARE_METATYPE(std::vector<std::string>)
+
+namespace {
+
+using Orvanth::Names::GuiAbleContext;
+
+std::string modulePath(const char* index)
+{
+    return std::string(GuiAbleContext) + "/" + index;
+}
+
+// A GUI module whose pings wait (up to half a second) until two of them are inside at once,
+// and which counts how many were inside at most: one when its POA hands it one call at
+// a time.
+class OverlapServant : public Orvanth::GuiAbleServant
+{
+public:
+    char* Ping(const char* text) override
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        ++m_inside;
+        m_most = std::max(m_most, m_inside);
+        m_changed.notify_all();
+        m_changed.wait_for(lock, std::chrono::milliseconds(500), [this] { return m_most >= 2; });
+        --m_inside;
+        return CORBA::string_dup(text);
+    }
+
+    int most()
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_most;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    int m_inside = 0;
+    int m_most = 0;
+};
+
+} // namespace
 
 class TestOrbWrapper : public QObject
 {
@@ -27,35 +75,49 @@ private slots:
 
     void sanitizesOptions_data();
     void sanitizesOptions();
+    void reportsIgnoredOptionsOfLaterStartOnce();
 
     void listsNumericBindingsOfContext();
     void listsNothingForMissingContext();
     void resolvesNarrowsAndCallsModule();
     void carriesNonAsciiTextBothWays();
     void lockerHandsOutStableIdAndAuthority();
-    void hungServerGivesTimeout();
     void deadServerGivesTransientOrCommFailure();
+    void servesAndWithdrawsObjects();
+    void singleThreadPoaTakesOneCallAtATime_data();
+    void singleThreadPoaTakesOneCallAtATime();
 
 private:
     Orvanth::GUI_Able_ptr resolveModule(const std::string& path);
+    QStringList takeReports();
 
     NamingServiceProcess m_naming;
     ChildProcess m_engine;
+    std::vector<std::string> m_startOptions;
     std::unique_ptr<ORB_wrapper_base> m_orb;
+    std::mutex m_reportMutex;
+    QStringList m_reports;
 };
 
 void TestOrbWrapper::initTestCase()
 {
+    ORB_base::setDiagnosticSink([this](const std::string& line) {
+        std::lock_guard<std::mutex> lock(m_reportMutex);
+        m_reports.append(QString::fromStdString(line));
+    });
     QVERIFY(m_naming.start());
     // A TAO-only option must not keep the ORB from starting.
-    std::vector<std::string> options = m_naming.orbOptions();
-    options.insert(options.end(), {"-ORBSvcConf", "tcp.conf"});
-    m_orb = std::make_unique<ORB_wrapper_base>(options);
+    m_startOptions = m_naming.orbOptions();
+    m_startOptions.insert(m_startOptions.end(), {"-ORBSvcConf", "tcp.conf"});
+    m_orb = std::make_unique<ORB_wrapper_base>(m_startOptions);
     QVERIFY(!CORBA::is_nil(m_orb->orb()));
+    QCOMPARE(takeReports(), QStringList{QStringLiteral(
+        "Orvanth ORB - dropped option \"-ORBSvcConf tcp.conf\": not an omniORB option or not a loopback endpoint")});
 
     QVERIFY(m_engine.start(QStringLiteral(TZ_TEST_ENGINE),
-                           {"--bind", "Lumaro/local/GUI_ABLE/2", "--bind", "Lumaro/local/GUI_ABLE/10",
-                            "--bind", "Lumaro/local/GUI_ABLE/1", "--locker"},
+                           {"--bind", QString::fromStdString(modulePath("2")), "--bind",
+                            QString::fromStdString(modulePath("10")), "--bind",
+                            QString::fromStdString(modulePath("1")), "--locker"},
                            m_naming.childEnvironment()));
 }
 
@@ -64,7 +126,16 @@ void TestOrbWrapper::cleanupTestCase()
     m_engine.stop();
     m_orb.reset();
     ORB_base::destroyProcessOrb();
+    ORB_base::setDiagnosticSink({});
     m_naming.stop();
+}
+
+QStringList TestOrbWrapper::takeReports()
+{
+    std::lock_guard<std::mutex> lock(m_reportMutex);
+    QStringList reports;
+    reports.swap(m_reports);
+    return reports;
 }
 
 void TestOrbWrapper::sanitizesOptions_data()
@@ -112,9 +183,30 @@ void TestOrbWrapper::sanitizesOptions()
     QCOMPARE(int(droppedOptions.size()), dropped);
 }
 
+void TestOrbWrapper::reportsIgnoredOptionsOfLaterStartOnce()
+{
+    // Whatever takes the running ORB says nothing.
+    QCOMPARE(ORB_base::start(m_startOptions), m_orb->orb());
+    QCOMPARE(ORB_base::start(), m_orb->orb());
+    ORB_wrapper_base client;
+    Orvanth::Locker locker;
+    QVERIFY(takeReports().isEmpty());
+
+    // Other options are ignored, and said so once.
+    const std::vector<std::string> other{"-ORBInitRef", "NameService=corbaname::127.0.0.1:1"};
+    QCOMPARE(ORB_base::start(other), m_orb->orb());
+    QCOMPARE(ORB_base::start(other), m_orb->orb());
+    ORB_wrapper_base otherClient(other);
+    QCOMPARE(takeReports(), QStringList{QStringLiteral("Orvanth ORB - the process ORB is already running; "
+                                                       "ignoring the options \"-ORBInitRef "
+                                                       "NameService=corbaname::127.0.0.1:1\"")});
+    // The naming service is still the first one.
+    QVERIFY(!otherClient.FindChildContext(GuiAbleContext).empty());
+}
+
 void TestOrbWrapper::listsNumericBindingsOfContext()
 {
-    std::vector<std::string> names = m_orb->FindChildContext("Lumaro/local/GUI_ABLE");
+    std::vector<std::string> names = m_orb->FindChildContext(GuiAbleContext);
     std::sort(names.begin(), names.end());
     QCOMPARE(names, (std::vector<std::string>{"1", "10", "2"}));
 
@@ -127,8 +219,8 @@ void TestOrbWrapper::listsNothingForMissingContext()
 {
     QVERIFY(m_orb->FindChildContext("Lumaro/remote/GUI_ABLE").empty());
     // A name bound to an object, not a context, lists nothing either.
-    QVERIFY(m_orb->FindChildContext("Lumaro/local/GUI_ABLE/1").empty());
-    QVERIFY(CORBA::is_nil(CORBA::Object_var(m_orb->ResolveName("Lumaro/local/GUI_ABLE/99"))));
+    QVERIFY(m_orb->FindChildContext(modulePath("1")).empty());
+    QVERIFY(CORBA::is_nil(CORBA::Object_var(m_orb->ResolveName(modulePath("99")))));
 }
 
 Orvanth::GUI_Able_ptr TestOrbWrapper::resolveModule(const std::string& path)
@@ -141,7 +233,7 @@ Orvanth::GUI_Able_ptr TestOrbWrapper::resolveModule(const std::string& path)
 
 void TestOrbWrapper::resolvesNarrowsAndCallsModule()
 {
-    Orvanth::GUI_Able_var module = resolveModule("Lumaro/local/GUI_ABLE/10");
+    Orvanth::GUI_Able_var module = resolveModule(modulePath("10"));
     QVERIFY(!CORBA::is_nil(module));
     CORBA::String_var answer = module->Ping("PingTest");
     QCOMPARE(QString(answer.in()), QStringLiteral("Pong PingTest"));
@@ -149,13 +241,13 @@ void TestOrbWrapper::resolvesNarrowsAndCallsModule()
     QVERIFY(CORBA::is_nil(attribute));
 
     // The lock manager is not a GUI module: narrowing it gives nil.
-    CORBA::Object_var locker = m_orb->ResolveName("Lumaro/local/Locker");
+    CORBA::Object_var locker = m_orb->ResolveName(Orvanth::Names::LockerPath);
     QVERIFY(CORBA::is_nil(Orvanth::GUI_Able_var(Orvanth::GUI_Able::_narrow(locker))));
 }
 
 void TestOrbWrapper::carriesNonAsciiTextBothWays()
 {
-    Orvanth::GUI_Able_var module = resolveModule("Lumaro/local/GUI_ABLE/1");
+    Orvanth::GUI_Able_var module = resolveModule(modulePath("1"));
     QVERIFY(!CORBA::is_nil(module));
     const QString text = QStringLiteral("10 \u2126 Pr\u00fcfung \u6e2c\u8a66");
     CORBA::String_var sent = CorbaText::toCorba(text);
@@ -180,27 +272,6 @@ void TestOrbWrapper::lockerHandsOutStableIdAndAuthority()
     QVERIFY(other.MyLockerID().owner != first.owner);
 }
 
-void TestOrbWrapper::hungServerGivesTimeout()
-{
-    ChildProcess hung;
-    QVERIFY(hung.start(QStringLiteral(TZ_TEST_ENGINE), {"--bind", "Test/Hung", "--ping-delay-ms", "20000"},
-                       m_naming.childEnvironment()));
-    Orvanth::GUI_Able_var module = resolveModule("Test/Hung");
-    QVERIFY(!CORBA::is_nil(module));
-
-    QElapsedTimer timer;
-    timer.start();
-    bool timedOut = false;
-    try {
-        CORBA::String_var answer = module->Ping("PingTest");
-    } catch (const CORBA::TIMEOUT&) {
-        timedOut = true;
-    }
-    QVERIFY(timedOut);
-    // The tests run with a 3 s call time-out; allow for a loaded machine.
-    QVERIFY2(timer.elapsed() < 8000, qPrintable(QString::number(timer.elapsed())));
-}
-
 void TestOrbWrapper::deadServerGivesTransientOrCommFailure()
 {
     auto dead = std::make_unique<ChildProcess>();
@@ -219,6 +290,66 @@ void TestOrbWrapper::deadServerGivesTransientOrCommFailure()
         failed = true;
     }
     QVERIFY(failed);
+}
+
+void TestOrbWrapper::servesAndWithdrawsObjects()
+{
+    const std::string path = "Test/Served/Module";
+    auto* servant = new Orvanth::GuiAbleServant;
+    CORBA::Object_var served = m_orb->serve(path, servant);
+
+    Orvanth::GUI_Able_var module = resolveModule(path);
+    QVERIFY(!CORBA::is_nil(module));
+    QVERIFY(module->_is_equivalent(served));
+    CORBA::String_var answer = module->Ping("PingTest");
+    QCOMPARE(QString(answer.in()), QStringLiteral("Pong PingTest"));
+
+    QVERIFY(m_orb->withdraw(path, servant));
+    QVERIFY(CORBA::is_nil(CORBA::Object_var(m_orb->ResolveName(path))));
+    QVERIFY_EXCEPTION_THROWN(CORBA::String_var(module->Ping("PingTest")), CORBA::OBJECT_NOT_EXIST);
+    QVERIFY(!m_orb->withdraw(path, servant));
+    servant->_remove_ref();
+}
+
+void TestOrbWrapper::singleThreadPoaTakesOneCallAtATime_data()
+{
+    QTest::addColumn<bool>("singleThread");
+    QTest::addColumn<int>("inside");
+    QTest::newRow("root POA: calls overlap") << false << 2;
+    QTest::newRow("single-thread POA: one after the other") << true << 1;
+}
+
+void TestOrbWrapper::singleThreadPoaTakesOneCallAtATime()
+{
+    QFETCH(bool, singleThread);
+    QFETCH(int, inside);
+
+    PortableServer::POA_var poa = singleThread ? m_orb->singleThreadPoa("OneAtATime")
+                                               : PortableServer::POA::_duplicate(m_orb->rootPoa());
+    if (singleThread) {
+        PortableServer::POA_var again = m_orb->singleThreadPoa("OneAtATime");
+        QVERIFY(again->_is_equivalent(poa));
+    }
+    auto* servant = new OverlapServant;
+    CORBA::Object_var object = m_orb->activate(servant, poa);
+    const std::string path = "Test/Overlap";
+    m_orb->BindName(path, object);
+    Orvanth::GUI_Able_var module = resolveModule(path);
+
+    std::atomic<int> answered{0};
+    auto ping = [&] {
+        CORBA::String_var answer = module->Ping("PingTest");
+        ++answered;
+    };
+    std::thread first(ping);
+    std::thread second(ping);
+    first.join();
+    second.join();
+    QCOMPARE(answered.load(), 2);
+    QCOMPARE(servant->most(), inside);
+
+    m_orb->withdraw(path, servant, poa);
+    servant->_remove_ref();
 }
 
 QTEST_GUILESS_MAIN(TestOrbWrapper)

@@ -4,14 +4,14 @@
 //                  [ORB options]
 //
 // Binds one GUI module under each PATH (pings answer after N ms), optionally a lock
-// manager under Lumaro/local/Locker, and with --publish-samples publishes one sample of
+// manager under Orvanth::Names::LockerPath, and with --publish-samples publishes one sample of
 // each topic type once a reader has matched (the texts are in TopicSamples.h). Prints
 // READY when serving and runs until SIGTERM or SIGINT.
 
-#include "EngineServer.h"
 #include "GuiAbleServant.h"
 #include "LockManagerServant.h"
-#include "Locker.h"
+#include "ORB_wrapper_base.h"
+#include "OrvanthNames.h"
 #include "StopSignals.h"
 #include "TopicPublisher.h"
 #include "TopicSamples.h"
@@ -82,15 +82,16 @@ int main(int argc, char* argv[])
             orbOptions.push_back(argument);
     }
 
-    EngineServer server(orbOptions);
     GuiAbleServant* module = new GuiAbleServant;
     module->setPingDelay(pingDelayMs);
     LockManagerServant* manager = new LockManagerServant;
     try {
+        ORB_base::start(orbOptions);
+        ORB_wrapper_base server;
         for (const std::string& path : paths)
             CORBA::Object_var bound = server.serve(path, module);
         if (locker)
-            CORBA::Object_var bound = server.serve(Locker::ManagerPath, manager);
+            CORBA::Object_var bound = server.serve(Names::LockerPath, manager);
     } catch (const CORBA::Exception& e) {
         std::cerr << "tz-test-engine: cannot serve: " << e._name() << std::endl;
         return 2;

@@ -3,19 +3,27 @@
 #include "ApplicationOptions.h"
 #include "ORB_base.h"
 
+#include <QDebug>
 
-std::vector<std::string> ApplicationOrb::arguments()
+#include <mutex>
+
+std::vector<std::string> ApplicationOrb::options()
 {
-    std::vector<std::string> argv{"PlaceHolder"};
+    std::vector<std::string> options;
     const QString initRef = ApplicationOptions::orbInitRef();
     if (!initRef.isEmpty()) {
-        argv.emplace_back("-ORBInitRef");
-        argv.emplace_back(initRef.toStdString());
+        options.emplace_back("-ORBInitRef");
+        options.emplace_back(initRef.toStdString());
     }
-    return argv;
+    return options;
 }
 
 CORBA::ORB_ptr ApplicationOrb::start()
 {
-    return ORB_base::processOrb(arguments());
+    static std::once_flag sinkInstalled;
+    std::call_once(sinkInstalled, [] {
+        ORB_base::setDiagnosticSink(
+            [](const std::string& line) { qDebug().noquote() << QString::fromStdString(line); });
+    });
+    return ORB_base::start(options());
 }

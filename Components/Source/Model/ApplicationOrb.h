@@ -9,20 +9,25 @@
 #include <vector>
 
 /**
- * Starts the process ORB with the host's application options.
+ * The library's one way into the process ORB: starts it with the host's application
+ * options.
  *
- * The process has one ORB and its first initialisation decides its options, so whatever
- * part of the library reaches the engines first must already pass the naming service
- * the host chose with "-ORBInitRef". Later initialisations get the same ORB.
+ * The process has one ORB and its first start decides its options, so whatever part of
+ * the library reaches the engines first calls start() and so passes the naming service
+ * the host chose with "-ORBInitRef". Everything after it (the locker, the naming-service
+ * client, the GUI-manager server) takes the running ORB through ORB_base without options.
+ * The ORB layer's diagnostic lines then go through the Qt message stream, and so through
+ * the diagnostic output switch, instead of straight to standard error.
  */
 class TZUICOMPONENTS_EXPORT ApplicationOrb
 {
 public:
-    /// The ORB's argument vector: a program name, then "-ORBInitRef" and the option's
-    /// value when the application has one.
-    static std::vector<std::string> arguments();
+    /// The ORB options the application asks for: "-ORBInitRef" and the option's value
+    /// when the application has one, else none.
+    static std::vector<std::string> options();
 
-    /// The process ORB, started with arguments() if it is not running yet (not duplicated).
+    /// The process ORB, started with options() if it is not running yet (not duplicated).
+    /// Calling it again is cheap and silent.
     static CORBA::ORB_ptr start();
 };
 
