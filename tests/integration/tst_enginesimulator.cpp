@@ -7,6 +7,7 @@
 #include "DDS_Subscriber.h"
 #include "Locker.h"
 #include "ORB_wrapper_base.h"
+#include "OrvanthNames.h"
 
 #include <Orvanth.hh>
 
@@ -114,14 +115,14 @@ bool TestEngineSimulator::startSimulator(ChildProcess& simulator, const QStringL
 
 std::vector<std::string> TestEngineSimulator::moduleNames()
 {
-    std::vector<std::string> names = m_orb->FindChildContext("Lumaro/local/GUI_ABLE");
+    std::vector<std::string> names = m_orb->FindChildContext(Names::GuiAbleContext);
     std::sort(names.begin(), names.end());
     return names;
 }
 
 GUI_Able_ptr TestEngineSimulator::module(const std::string& index)
 {
-    CORBA::Object_var object = m_orb->ResolveName("Lumaro/local/GUI_ABLE/" + index);
+    CORBA::Object_var object = m_orb->ResolveName(std::string(Names::GuiAbleContext) + "/" + index);
     return GUI_Able::_narrow(object);
 }
 
@@ -281,7 +282,7 @@ void TestEngineSimulator::publishesEventsOfEachClass()
 {
     Received<Event::Message> messages;
     DDS_Subscriber<Event::Message> subscriber(
-        "Lumaro/local/EVTMSG", [&](const char*, Event::Message message) { messages.add(message); }, 0, 0,
+        Names::EventTopic, [&](const char*, Event::Message message) { messages.add(message); }, 0, 0,
         VOLATILE_DURABILITY_QOS);
 
     ChildProcess simulator;
@@ -313,7 +314,7 @@ void TestEngineSimulator::batteryDrainsThenCharges()
     Received<Reading> readings;
     Received<QString> malformed;
     DDS_Subscriber<MeterReading::Reading> battery(
-        "Lumaro/local/SYSTEM/1/BATTERYSTATUS1",
+        Names::BatteryTopic,
         [&](const char*, MeterReading::Reading reading) {
             if (reading.readings().size() != 1 || reading.readings().front().name() != "BATTERYSTATUS1")
                 malformed.add(QString::number(reading.readings().size()));
@@ -322,7 +323,7 @@ void TestEngineSimulator::batteryDrainsThenCharges()
         },
         0, 0, VOLATILE_DURABILITY_QOS);
     DDS_Subscriber<bool> mains(
-        "Lumaro/local/ExternalVoltage",
+        Names::ExternalVoltageTopic,
         [&](const char*, CORBA::Boolean present) { external.storeRelease(present ? 1 : 0); }, 0, 0,
         VOLATILE_DURABILITY_QOS);
 
@@ -355,7 +356,7 @@ void TestEngineSimulator::modulesComeAndGo()
 {
     Received<std::string> broadcasts;
     DDS_Subscriber<std::string> subscriber(
-        "Lumaro/local/GUI_ABLE", [&](const char*, std::string text) { broadcasts.add(text); }, 0, 0,
+        Names::GuiAbleTopic, [&](const char*, std::string text) { broadcasts.add(text); }, 0, 0,
         VOLATILE_DURABILITY_QOS);
     subscriber.waitForInitDone();
 
@@ -399,7 +400,7 @@ void TestEngineSimulator::stopsCleanlyOnSignal()
 
     Received<std::string> broadcasts;
     DDS_Subscriber<std::string> subscriber(
-        "Lumaro/local/GUI_ABLE", [&](const char*, std::string text) { broadcasts.add(text); }, 0, 0,
+        Names::GuiAbleTopic, [&](const char*, std::string text) { broadcasts.add(text); }, 0, 0,
         VOLATILE_DURABILITY_QOS);
 
     // Module 3 comes and goes; its first announcement that arrives shows that the engine's
