@@ -1,6 +1,7 @@
 #include "HostWindow.h"
 
 #include "CSS.h"
+#include "DemoNavigation.h"
 #include "DemoScreens.h"
 #include "DesktopImpl.h"
 #include "DesktopManagerImpl.h"
@@ -21,7 +22,9 @@ HostWindow::HostWindow(const QSize& screenSize)
 
 HostWindow::~HostWindow()
 {
-    // The desktop and its containers go first; the manager they report to after them.
+    // The bar and discovery first, once their remote work is done; then the desktop and
+    // its containers; the manager they report to after them.
+    m_navigation.reset();
     delete m_desktop;
 }
 
@@ -34,6 +37,11 @@ DesktopImpl* HostWindow::buildDesktop()
     m_desktopManager = std::make_unique<DesktopManagerImpl>();
     registry->setDesktopManager(m_desktopManager.get());
     m_screens = std::make_unique<DemoScreens>(m_desktop);
+    m_navigation = std::make_unique<DemoNavigation>(m_desktop);
+    QStringList screens = registry->getScreenList();
+    screens.sort();
+    for (const QString& name : screens)
+        m_navigation->addScreenButton(name);
     buildExitMenu();
     return m_desktop;
 }

@@ -6,6 +6,7 @@
 
 #include <memory>
 
+class DemoNavigation;
 class DemoScreens;
 class DesktopImpl;
 class DesktopManagerImpl;
@@ -38,6 +39,7 @@ private:
     // cells as the desktop deletes them.
     std::unique_ptr<DesktopManagerImpl> m_desktopManager;
     std::unique_ptr<DemoScreens> m_screens;
+    std::unique_ptr<DemoNavigation> m_navigation;
 };
 
 #endif

@@ -237,6 +237,18 @@ int MenuBar::itemExtent() const
     return part(1.5, scrollArea->height());
 }
 
+void MenuBar::addItem(QWidget* item)
+{
+    if (!item) {
+        qDebug() << "UserInterface - MenuBar - no item to add";
+        return;
+    }
+    applyItemSize(item);
+    itemLayout->addWidget(item);
+    itemFrame->adjustSize();
+    checkNavArrows();
+}
+
 void MenuBar::applyItemSize(QWidget* item) const
 {
     if (!item)

@@ -53,6 +53,10 @@ public:
 
     /// Replaces where startTimer() reads the time-out; an empty source restores the
     /// engines' attribute "MenuBarTimeout1", found through module discovery.
+    /// Appends \a item to the bar's row, sized as a bar button; the row forgets it when
+    /// it is deleted.
+    void addItem(QWidget* item);
+
     void setTimeoutSource(TimeoutSource source);
     /// Milliseconds until the bar hides itself, or -1 when no hiding is due.
     int remainingHideTime() const;
