@@ -1,0 +1,254 @@
+#include "PushButtonImpl.h"
+
+#include "ApplicationOptions.h"
+#include "CSS.h"
+#include "CorbaFailure.h"
+#include "GlobalImpl.h"
+#include "LockerGateway.h"
+#include "ORB_base.h"
+
+#include <QBoxLayout>
+#include <QDebug>
+#include <QLabel>
+#include <QPushButton>
+#include <QStyle>
+#include <QThreadPool>
+#include <QtConcurrent>
+
+#include <cstring>
+
+namespace Lumaro {
+namespace gui {
+
+namespace {
+
+const char* const sourceFile = "Components/Source/View/Widgets/PushButtonImpl";
+// Where log readers have always found a failed narrowing of a pressed button.
+constexpr int narrowFailureLine = 202;
+
+QString standardSheet()
+{
+    return QStringLiteral(
+               "QPushButton { background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 %1, stop:0.8 %2, stop:1 %3); "
+               "color: white; border-style: solid; border-width: 2px; border-color: %4; border-radius: 15px; "
+               "padding: 3px 0px 0px 8px; margin: 0px; min-height: 40px; max-height: 40px; text-align: top left; "
+               "font-size: 18px; }"
+               "QPushButton:pressed { color: white; background-color: %1; }"
+               "QLabel { color: white; background-color: %5; border-radius: 7px; padding: 0px; min-height: 14px; "
+               "max-height: 14px; margin: 17px 0px 0px 0px; font: bold 16px; }"
+               "QLabel#Locked { border: 1px solid %4; background-color: #666666; }")
+        .arg(CSS::gradientDark(), CSS::gradientMiddle(), CSS::gradientLight(), CSS::border(), CSS::highlight());
+}
+
+QString tallSheet()
+{
+    return QStringLiteral(
+               "QPushButton { background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 %1, stop:0.8 %2, stop:1 %3); "
+               "color: white; border-style: solid; border-width: 2px; border-color: %4; border-radius: 15px; "
+               "padding: 2px 0px 0px 0px; margin: 0px; min-height: 40px; max-height: 120px; text-align: top left; "
+               "font-size: 16px; font-weight: bold; }"
+               "QPushButton:pressed { color: white; background-color: %1; }"
+               "QLabel { color: white; background-color: %5; border-radius: 7px; padding: 0px; min-height: 14px; "
+               "max-height: 14px; margin: 17px 0px 0px 0px; font: bold 14px; }"
+               "QLabel#Locked { border: 1px solid %4; background-color: #666666; }")
+        .arg(CSS::gradientDark(), CSS::gradientMiddle(), CSS::gradientLight(), CSS::border(), CSS::highlight());
+}
+
+Orvanth::LockerID currentLockerID()
+{
+    const std::shared_ptr<LockerGateway> gateway = GlobalImpl::currentLockerGateway();
+    return gateway ? gateway->getLockerID() : Orvanth::LockerID{};
+}
+
+} // namespace
+
+PushButtonImpl::PushButtonImpl(QWidget* parent)
+    : WidgetBaseImpl(parent)
+    , m_styleSheet(standardSheet())
+    , m_tallStyleSheet(tallSheet())
+    , m_button(new QPushButton(this))
+    , m_layout(new QBoxLayout(QBoxLayout::LeftToRight))
+    , m_lockBadge(new QLabel(m_button))
+{
+    connect(m_button, &QPushButton::clicked, this, &PushButtonImpl::buttonClicked);
+    // The lock a touch takes for an entry goes back as soon as the entry is granted.
+    connect(this, &WidgetBaseImpl::DisplayEntryMechanism, this, &WidgetBaseImpl::releaseLock);
+
+    m_button->setFocusPolicy(Qt::NoFocus);
+    auto* buttonColumn = new QVBoxLayout;
+    buttonColumn->setContentsMargins(0, 0, 0, 0);
+    buttonColumn->addWidget(m_button);
+    m_layout->addLayout(buttonColumn, 1);
+    m_layout->setContentsMargins(0, 0, 0, 0);
+    setLayout(m_layout);
+
+    m_lockBadge->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    auto* badgeRow = new QHBoxLayout(m_button);
+    badgeRow->addWidget(m_lockBadge);
+
+    setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Maximum);
+    setObjectName(QStringLiteral("PushButton"));
+    setMinimumSize(100, 60);
+    changeSize(QStringLiteral("Max"));
+}
+
+PushButtonImpl::~PushButtonImpl() = default;
+
+QSize PushButtonImpl::sizeHint() const
+{
+    return QSize(100, 60);
+}
+
+QSize PushButtonImpl::minimumSizeHint() const
+{
+    return QSize(100, 60);
+}
+
+void PushButtonImpl::bindAttribute(Orvanth::EngineReadingBase_ptr reading)
+{
+    WidgetBaseImpl::bindAttribute(reading);
+    if (!CORBA::is_nil(reading))
+        runEngineCall(&PushButtonImpl::checkVoidType);
+}
+
+void PushButtonImpl::checkVoidType(const EngineHandle& engine)
+{
+    Orvanth::EngineReadingBase_var reading = engine.reading();
+    if (CORBA::is_nil(reading))
+        return;
+    try {
+        const Orvanth::TypeInfo_var info = reading->GetTypeInfo();
+        if (std::strcmp(info->name.in(), "EngineAttribVoid") == 0) {
+            Orvanth::EngineAttribVoid_var action = Orvanth::EngineAttribVoid::_narrow(reading.in());
+            if (CORBA::is_nil(action))
+                qDebug() << "Failed to narrow ::Orvanth::EngineAttribVoid";
+        } else {
+            qDebug().noquote() << QString::asprintf(">>>>>Expected Void type but received: %s (%s)", info->name.in(),
+                                                    engine.attributeName().toUtf8().constData());
+        }
+    } catch (const CORBA::TRANSIENT&) {
+        engine.reportDisconnect(QStringLiteral("CORBA::TRANSIENT"));
+    } catch (const CORBA::COMM_FAILURE&) {
+        engine.reportDisconnect(QStringLiteral("CORBA::COMM_FAILURE"));
+    } catch (const CORBA::Exception& exception) {
+        CorbaFailure::logException(sourceFile, "bindAttribute", __LINE__);
+        qDebug().noquote() << "UserInterface -" << CorbaFailure::describe(exception);
+    }
+}
+
+void PushButtonImpl::setButtonText(const QString& theText)
+{
+    m_buttonText = theText;
+    m_button->setText(tr(theText.toUtf8().constData()));
+}
+
+void PushButtonImpl::setCriticalStyle()
+{
+    m_styleSheet = QStringLiteral(
+        "QPushButton { background-color: black; color: white; border: 2px solid rgb(255,142,63); "
+        "border-radius: 15px; padding: 3px 0px 0px 8px; margin: 0px; min-height: 40px; max-height: 40px; "
+        "text-align: top left; font: 18px; }"
+        "QPushButton:pressed { color: white; background-color: rgb(100,0,0); }"
+        "QLabel { color: white; background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 rgb(159,1,15), "
+        "stop:0.5 rgb(167,1,15), stop:1 rgb(212,2,26)); border: 1px solid rgb(255,142,63); border-radius: 7px; "
+        "padding: 0px; min-height: 14px; max-height: 14px; margin: 17px 0px 0px 0px; font: bold 16px; }"
+        "QLabel#Locked { border: 1px solid rgb(255,142,63); background-color: #666666; }");
+    changeSize(QStringLiteral("Max"));
+}
+
+void PushButtonImpl::setButtonObjectName(const QString& name)
+{
+    m_button->setObjectName(name);
+}
+
+void PushButtonImpl::changeSize(const QString& /*size*/)
+{
+    // One look for every size: the tall sheet is kept for forms that want to apply it.
+    setStyleSheet(m_styleSheet);
+}
+
+void PushButtonImpl::retranslate()
+{
+    QString sheet = m_styleSheet;
+    if (ApplicationOptions::isChineseLanguage())
+        sheet += QStringLiteral("QPushButton { padding-top: 6px; font-size: 16px; } QLabel { font-size: 12px; }");
+    setStyleSheet(sheet);
+    m_button->setText(tr(m_buttonText.toUtf8().constData()));
+}
+
+void PushButtonImpl::setLockImageVisible(const bool& visible)
+{
+    // The base's overlay keeps its transparent sheet: the badge shows the lock instead.
+    if (visible) {
+        m_lockBadge->setObjectName(QStringLiteral("Locked"));
+        m_lockBadge->setText(QStringLiteral("Locked  "));
+    } else {
+        m_lockBadge->setObjectName(QString());
+        m_lockBadge->setText(QString());
+    }
+    // The object name selects the badge's rule only when the sheet is applied again.
+    m_lockBadge->style()->unpolish(m_lockBadge);
+    m_lockBadge->style()->polish(m_lockBadge);
+}
+
+void PushButtonImpl::buttonClicked()
+{
+    GlobalImpl* registry = GlobalImpl::getInstance();
+    const bool hasReading = this->hasReading();
+    QWidget* entry = registry->entryMechanism();
+    if (entry && entry != this && hasReading)
+        return;
+    if (hasReading) {
+        const EngineHandle engine = engineHandle();
+        QtConcurrent::run(QThreadPool::globalInstance(), [engine] { sendSetCall(engine); });
+    }
+    emit clicked();
+    auto* sendingButton = qobject_cast<QPushButton*>(sender());
+    emit buttonPressed(sendingButton ? sendingButton->objectName() : QString());
+    releaseLock();
+}
+
+void PushButtonImpl::emulateClick()
+{
+    m_button->click();
+}
+
+void PushButtonImpl::sendSetCall()
+{
+    sendSetCall(engineHandle());
+}
+
+void PushButtonImpl::sendSetCall(const EngineHandle& engine)
+{
+    const QString name = engine.attributeName();
+    Orvanth::EngineAttribVoid_var action;
+    try {
+        Orvanth::EngineReadingBase_var reading = engine.reading();
+        action = Orvanth::EngineAttribVoid::_narrow(reading.in());
+    } catch (...) {
+        CorbaFailure::logException(sourceFile, nullptr, narrowFailureLine);
+        return;
+    }
+    if (CORBA::is_nil(action))
+        return;
+    ORB_base::setCallTimeout(action, EngineCallTimeout);
+    try {
+        qDebug() << "UserInterface - PushButton:" << name << "- Sending VOID.";
+        action->Set(currentLockerID());
+        qDebug() << "UserInterface - PushButton Set returned.";
+    } catch (const CORBA::TRANSIENT&) {
+        engine.reportDisconnect(QStringLiteral("CORBA::TRANSIENT"));
+    } catch (const CORBA::COMM_FAILURE&) {
+        engine.reportDisconnect(QStringLiteral("CORBA::COMM_FAILURE"));
+    } catch (const CORBA::Exception& exception) {
+        qDebug() << "UserInterface - VOID:" << name << "threw an exception while sending notify event";
+        qDebug().noquote() << "UserInterface -" << CorbaFailure::describe(exception);
+        engine.reportException(name + QStringLiteral(" threw an exception while sending notify event"));
+    } catch (...) {
+        qDebug() << "UserInterface - VOID:" << name << "threw an exception while sending notify event";
+        engine.reportException(name + QStringLiteral(" threw an exception while sending notify event"));
+    }
+}
+
+} // namespace gui
+} // namespace Lumaro

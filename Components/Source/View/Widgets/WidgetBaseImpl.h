@@ -1,0 +1,196 @@
+#ifndef WIDGETBASEIMPL_H
+#define WIDGETBASEIMPL_H
+
+#include "tzuicomponents_export.h"
+
+#include "DDS_Subscriber_Object.h"
+
+#include <Orvanth.hh>
+
+#include <QList>
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+class NamingServiceImpl;
+class QLabel;
+class QPushButton;
+
+/**
+ * The base of every widget that operates one engine attribute: binds the attribute by
+ * name, covers the widget with a padlock overlay while another locker holds it, takes
+ * the engine's control lock and the registry's data-entry slot on a touch, and reports a
+ * lost engine to the log and the status bar.
+ *
+ * Every remote call (finding, narrowing and subscribing, Lock, Unlock, MayAccess) runs on
+ * the global thread pool, one call of a widget after the other, and its outcome comes back
+ * to the GUI thread queued; the GUI thread never waits for an engine. So bindAttribute()
+ * and a touch return at once, and the binding's outcome is announced by bindingFinished().
+ * Lock notices from the engine arrive on DDS threads, which only hand them on.
+ */
+class TZUICOMPONENTS_EXPORT WidgetBaseImpl : public QWidget
+{
+    Q_OBJECT
+    Q_PROPERTY(QString AttributeName READ getAttributeName WRITE setAttributeName)
+    Q_PROPERTY(QString LabelText READ getLabel WRITE setLabel)
+    Q_PROPERTY(int UpdateDelay READ getUpdateDelay WRITE setUpdateDelay)
+    Q_PROPERTY(bool SuppressReceiveDebug READ getSuppressDebug WRITE setSuppressDebug)
+
+public:
+    /// How long one call on a bound attribute may take before it fails with
+    /// CORBA::TIMEOUT: a hung engine holds a pool thread no longer than this.
+    static constexpr std::chrono::milliseconds EngineCallTimeout{2000};
+
+    explicit WidgetBaseImpl(QWidget* parent = nullptr);
+    /// Gives back an engine lock the widget holds (on the pool) and ends its
+    /// subscriptions; waits for no engine.
+    ~WidgetBaseImpl() override;
+
+    QString getAttributeName() const;
+    /// The name bindAttributeByName() looks for; set it (and UpdateDelay) before binding.
+    void setAttributeName(const QString& name);
+
+    /**
+     * Binds \a reading (the widget keeps its own reference; nil unbinds): narrows it to a
+     * lockable attribute, subscribes to its lock topic with the update delay as minimum
+     * separation and shows its lock state. The remote part runs on the pool;
+     * bindingFinished() follows. Each binding adds a subscription that stays until the
+     * widget goes.
+     */
+    virtual void bindAttribute(Orvanth::EngineReadingBase_ptr reading);
+    /**
+     * Finds AttributeName among the engine modules module discovery has loaded and binds
+     * the first match, off the GUI thread. A name no module has is logged and
+     * bindingFinished(false) follows; the widget then tries again whenever discovery
+     * announces a module, as it does after a lost engine.
+     */
+    Q_INVOKABLE void bindAttributeByName();
+
+    /// Whether a reading is stored (it may not be narrowed yet).
+    bool hasReading() const;
+    /// Whether a lockable attribute is bound.
+    bool isBound() const;
+    /// A new reference to the stored reading, or nil.
+    Orvanth::EngineReadingBase_var reading() const;
+
+    Q_INVOKABLE virtual void setLabel(const QString& label);
+    virtual QString getLabel() const;
+    /// Milliseconds between two lock notices at most; read when binding.
+    virtual void setUpdateDelay(int milliseconds);
+    virtual int getUpdateDelay() const;
+
+    QLabel* getLabelWidget() const { return m_label; }
+    QWidget* desktop() const { return m_desktop; }
+    void setDesktop(QWidget* desktop);
+    bool getSuppressDebug() const { return m_suppressReceiveDebug; }
+    void setSuppressDebug(bool suppress);
+
+    /// Whether the attribute counts as locked: set by lock notices, by a touch that took
+    /// the engine lock and by a lost engine; cleared by releaseLock().
+    Q_INVOKABLE bool isLocked() const { return m_locked; }
+    /// The handle of the engine lock last taken by a touch.
+    CORBA::Long lockHandle() const { return m_lockHandle; }
+    /// The transparent button that covers the widget while it is locked.
+    QPushButton* lockOverlay() const { return m_lockOverlay; }
+
+    /// Logs the loss, unbinds the widget (its subscriptions stay) and posts the reason
+    /// to the status bar. GUI thread only; work on the pool reaches it through
+    /// EngineHandle::reportDisconnect().
+    virtual void disconnectCORBA(const QString& reason);
+
+public slots:
+    /// Shows (true) or hides the overlay; does not change isLocked().
+    void setWidgetLocked(bool isLocked);
+    void setWidgetLocked() { setWidgetLocked(false); }
+    /// Gives the engine lock back (on the pool) and frees the registry's entry slot.
+    void releaseLock();
+    // No meaning in the base; subclasses give them one.
+    virtual void raise();
+    virtual void changeSize(const QString& size);
+    virtual void retranslate();
+    virtual void setLockImageVisible(const bool& visible);
+
+signals:
+    void CloseEntryMechanism();
+    /// The widget took the registry's entry slot after a touch.
+    void DisplayEntryMechanism();
+    void SetLocked(bool lock);
+    /// A failure meant for the status bar's message list.
+    void exceptionMessage(QString message);
+    void suppressDebug(bool suppress);
+    /// A binding attempt has ended: \a bound tells whether an attribute is bound now.
+    void bindingFinished(bool bound);
+
+protected:
+    class EngineLink;
+
+    /**
+     * What work on another thread may use of the widget: its engine references as they
+     * are when it runs, its attribute name, and ways back into the GUI thread that do
+     * nothing once the widget is gone or bound anew. Cheap to copy.
+     */
+    class TZUICOMPONENTS_EXPORT EngineHandle
+    {
+    public:
+        Orvanth::EngineReadingBase_var reading() const;
+        QString attributeName() const;
+        /// disconnectCORBA(\a reason) in the GUI thread, unless the binding has changed.
+        void reportDisconnect(const QString& reason) const;
+        /// exceptionMessage(\a message) from the GUI thread.
+        void reportException(const QString& message) const;
+
+    private:
+        friend class WidgetBaseImpl;
+        EngineHandle(std::shared_ptr<EngineLink> link, quint64 generation);
+
+        std::shared_ptr<EngineLink> m_link;
+        quint64 m_generation;
+    };
+
+    EngineHandle engineHandle() const;
+    /// Runs \a call on the pool after the widget's engine calls already queued.
+    void runEngineCall(std::function<void(const EngineHandle&)> call);
+
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+    /// The subclass's caption, named "Label".
+    void setLabelWidget(QLabel* label);
+    /// Takes the engine lock (when bound) and then the registry's entry slot.
+    void acquireLock();
+
+private:
+    void connectToStatusBar();
+    void followDiscovery(NamingServiceImpl* discovery);
+    void adoptSubscription(Orvanth::DDS_BaseObj* subscriber);
+    void finishBinding(quint64 generation, bool bound, bool locked);
+    void attributeNotFound(quint64 generation);
+    void applyLockAnswer(quint64 generation, bool locked);
+    void engineLost(quint64 generation, const QString& reason, bool showLocked);
+    void lockTaken(bool taken, CORBA::Long handle);
+    void lockRefused(const QString& reason);
+    void offerEntry();
+    /// Starts a new binding epoch: results of work started before it are dropped.
+    quint64 renewGeneration();
+
+    QWidget* m_desktop = nullptr;
+    bool m_suppressReceiveDebug = false;
+    // The engine references, shared with work on the pool and with DDS callbacks.
+    std::shared_ptr<EngineLink> m_link;
+    QList<Orvanth::DDS_Subscriber_Object> m_subscriptions;
+    QPushButton* m_lockOverlay;
+    QString m_attributeName;
+    QLabel* m_label = nullptr;
+    int m_updateDelay = 0;
+    CORBA::Long m_lockHandle = 0;
+    bool m_locked = false;
+    quint64 m_generation = 0;
+    bool m_bindByName = false;
+    QPointer<NamingServiceImpl> m_followedDiscovery;
+};
+
+#endif
