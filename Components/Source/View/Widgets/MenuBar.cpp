@@ -10,6 +10,7 @@
 
 #include <QBoxLayout>
 #include <QDebug>
+#include <QEvent>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -194,6 +195,7 @@ MenuBar::MenuBar(QWidget* parent, Qt::AlignmentFlag location)
     negButton->setEnabled(false);
     posButton->setEnabled(false);
     scrollArea->setWidget(itemFrame);
+    itemFrame->installEventFilter(this);
 
     scrollAnimation.setTargetObject(itemFrame);
     scrollAnimation.setPropertyName("pos");
@@ -245,8 +247,20 @@ void MenuBar::addItem(QWidget* item)
     }
     applyItemSize(item);
     itemLayout->addWidget(item);
-    itemFrame->adjustSize();
-    checkNavArrows();
+    // A child added to a visible frame is shown only later; the frame follows its
+    // layout on each layout request (see eventFilter), so show it now.
+    item->show();
+}
+
+bool MenuBar::eventFilter(QObject* watched, QEvent* event)
+{
+    // The row grows and shrinks with its buttons: the scroll area leaves its widget's
+    // size alone, so the frame is fitted to its layout whenever that changes.
+    if (watched == itemFrame && event->type() == QEvent::LayoutRequest) {
+        itemFrame->adjustSize();
+        checkNavArrows();
+    }
+    return QFrame::eventFilter(watched, event);
 }
 
 void MenuBar::applyItemSize(QWidget* item) const
