@@ -1,0 +1,24 @@
+#ifndef HORIZONTALSCROLLBARIMPL_H
+#define HORIZONTALSCROLLBARIMPL_H
+
+#include "ScrollBarImpl.h"
+
+namespace Lumaro {
+namespace gui {
+
+/// The kit's horizontal touch scroll bar.
+class TZUICOMPONENTS_EXPORT HorizontalScrollBarImpl : public ScrollBarImpl
+{
+    Q_OBJECT
+
+public:
+    explicit HorizontalScrollBarImpl(QWidget* parent = nullptr);
+
+protected:
+    void setValueFromPos(const QPoint& pos) override;
+};
+
+} // namespace gui
+} // namespace Lumaro
+
+#endif
