@@ -1,0 +1,28 @@
+#ifndef HORIZONTALSCROLLBARPLUGIN_H
+#define HORIZONTALSCROLLBARPLUGIN_H
+
+#include "KitWidgetPlugin.h"
+
+namespace Lumaro {
+namespace gui {
+
+/// Offers the horizontal touch scroll bar to Qt Designer.
+class HorizontalScrollBarPlugin : public KitWidgetPlugin
+{
+    Q_OBJECT
+
+public:
+    explicit HorizontalScrollBarPlugin(QObject* parent = nullptr);
+
+    QString domXml() const override;
+    QString includeFile() const override;
+    QString name() const override;
+    QString toolTip() const override;
+    QString whatsThis() const override;
+    QWidget* createWidget(QWidget* parent) override;
+};
+
+} // namespace gui
+} // namespace Lumaro
+
+#endif

@@ -1,0 +1,28 @@
+#ifndef VERTICALSCROLLBARPLUGIN_H
+#define VERTICALSCROLLBARPLUGIN_H
+
+#include "KitWidgetPlugin.h"
+
+namespace Lumaro {
+namespace gui {
+
+/// Offers the vertical touch scroll bar to Qt Designer.
+class VerticalScrollBarPlugin : public KitWidgetPlugin
+{
+    Q_OBJECT
+
+public:
+    explicit VerticalScrollBarPlugin(QObject* parent = nullptr);
+
+    QString domXml() const override;
+    QString includeFile() const override;
+    QString name() const override;
+    QString toolTip() const override;
+    QString whatsThis() const override;
+    QWidget* createWidget(QWidget* parent) override;
+};
+
+} // namespace gui
+} // namespace Lumaro
+
+#endif
