@@ -1,6 +1,7 @@
 #include "GlobalImpl.h"
 
 #include "ApplicationOptions.h"
+#include "ContainerBase.h"
 #include "LockerGateway.h"
 #include "ProcessManager.h"
 #include "QTZMessageOutputControl.h"
@@ -236,6 +237,8 @@ QString GlobalImpl::getParentWindowName(QWidget* widget)
         return name;
 
     try {
+        // Matched by class name, not by cast: a plug-in may carry its own copy of the
+        // windows' meta-objects.
         if (window->inherits("WindowDrawer")) {
             // A drawer shows its title as the rotated caption on its handle.
             const QList<QLabel*> labels = window->findChildren<QLabel*>();
@@ -245,6 +248,8 @@ QString GlobalImpl::getParentWindowName(QWidget* widget)
                     break;
                 }
             }
+        } else if (window->inherits("ContainerBase")) {
+            name = static_cast<ContainerBase*>(window)->getWindowTitle();
         } else {
             name = window->windowTitle();
         }

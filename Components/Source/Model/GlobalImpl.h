@@ -123,9 +123,11 @@ public:
     /// \a registered is not a registered screen.
     void swapMenuItems(QWidget* registered, QWidget* replacement);
 
-    /// The nearest ancestor of \a widget (not \a widget itself) named "TopContainerObject".
+    /// The window that holds \a widget: its nearest ancestor (not \a widget itself) named
+    /// "TopContainerObject", as every standard container and drawer is; null if none.
     static QWidget* getParentWindow(QWidget* widget);
-    /// The title of the window that holds \a widget (\a widget included); empty if none.
+    /// The title of the window that holds \a widget, \a widget included: a container's
+    /// untranslated title, or a drawer's caption; empty if there is no window.
     static QString getParentWindowName(QWidget* widget);
 
     /// The host hands over threads that must stop when the registry goes: they are
