@@ -84,6 +84,13 @@ DemoScreens::DemoScreens(DesktopImpl* desktop)
     addContainer(QStringLiteral("Spectrum"), 1, traceScreen());
     addContainer(QStringLiteral("Spectrum"), 2, traceScreen());
     addContainer(QStringLiteral("Notes"), 0, notesScreen());
+    // Every container grows and shrinks on its title-bar buttons and follows a drag; the
+    // meter also lands on the desktop grid when let go ("-grid"), and the notes become a
+    // thumbnail after their maximized state.
+    if (auto* meter = qobject_cast<ContainerImpl*>(m_containers.value(0)))
+        meter->setSnapsToGrid(true);
+    if (auto* notes = qobject_cast<ContainerImpl*>(m_containers.value(3)))
+        notes->enableState(QStringLiteral("Thumb"));
     addFullScreen();
 }
 

@@ -1,0 +1,146 @@
+// Cost of a container's size-state change on a full benchtop desktop: 30 registered
+// containers are shown, then 100 requests walk them through "Min", "Max" and "Thumb"
+// (one container after the other) with the state animations switched off. Each change
+// is timed as the request itself (state entry, geometry, style, the desktop manager's
+// re-reservation) and as the event processing that follows it (layouts, polish).
+// Runs on the offscreen platform unless QT_QPA_PLATFORM says otherwise.
+//
+//   tz-bench-containerstates [changes]     (default 100)
+
+#include "ContainerImpl.h"
+#include "DesktopImpl.h"
+#include "DesktopManagerImpl.h"
+#include "GlobalImpl.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFrame>
+#include <QHash>
+#include <QVBoxLayout>
+#include <QVector>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <numeric>
+
+namespace {
+
+constexpr int containerCount = 30;
+
+struct Figures
+{
+    double median = 0;
+    double mean = 0;
+    double max = 0;
+};
+
+// In microseconds.
+Figures summarise(QVector<qint64> nanoseconds)
+{
+    Figures figures;
+    if (nanoseconds.isEmpty())
+        return figures;
+    std::sort(nanoseconds.begin(), nanoseconds.end());
+    figures.median = nanoseconds[nanoseconds.size() / 2] / 1000.0;
+    figures.mean = std::accumulate(nanoseconds.begin(), nanoseconds.end(), qint64(0)) / 1000.0 / nanoseconds.size();
+    figures.max = nanoseconds.last() / 1000.0;
+    return figures;
+}
+
+ContainerImpl* newContainer(DesktopImpl* desktop, DesktopManagerImpl& manager, int index)
+{
+    auto* container = new ContainerImpl(desktop);
+    container->setWindowTitle(QStringLiteral("Module %1").arg(index));
+    auto* form = new QFrame;
+    form->setObjectName(QStringLiteral("ContainerFrame"));
+    form->setMinimumSize(180, 120);
+    auto* layout = new QVBoxLayout;
+    layout->addWidget(form);
+    container->setLayout(layout);
+    container->enableState(QStringLiteral("Thumb"));
+    container->init();
+    manager.registerModule(container);
+    container->show();
+    return container;
+}
+
+QString nextState(const QString& state)
+{
+    if (state == QLatin1String("Min"))
+        return QStringLiteral("Max");
+    if (state == QLatin1String("Max"))
+        return QStringLiteral("Thumb");
+    return QStringLiteral("Min");
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    application.setProperty("-systype", QStringLiteral("benchtop"));
+    application.setProperty("-animation", QStringLiteral("false"));
+    const int changes = argc > 1 ? std::max(1, QByteArray(argv[1]).toInt()) : 100;
+    GlobalImpl* registry = GlobalImpl::getInstance();
+
+    QWidget window;
+    window.resize(1280, 800);
+    auto* desktop = new DesktopImpl(&window);
+    registry->setDesktop(desktop);
+    auto manager = std::make_unique<DesktopManagerImpl>();
+    window.show();
+
+    QVector<ContainerImpl*> containers;
+    for (int i = 0; i < containerCount; ++i)
+        containers << newContainer(desktop, *manager, i);
+    QCoreApplication::processEvents();
+
+    QHash<QString, QVector<qint64>> requestTimes;
+    QVector<qint64> allRequests;
+    QVector<qint64> settleTimes;
+    QElapsedTimer timer;
+    int wrong = 0;
+    for (int i = 0; i < changes; ++i) {
+        ContainerImpl* container = containers[i % containerCount];
+        const QString from = container->state();
+        const QString to = nextState(from);
+
+        timer.start();
+        container->setState(to);
+        const qint64 request = timer.nsecsElapsed();
+        timer.start();
+        QCoreApplication::processEvents();
+        settleTimes << timer.nsecsElapsed();
+
+        allRequests << request;
+        requestTimes[from + QStringLiteral(" -> ") + to] << request;
+        if (container->state() != to)
+            ++wrong;
+    }
+
+    std::printf("%d size-state changes, animations off, %d containers on a 1280x800 benchtop desktop\n", changes,
+                containerCount);
+    std::printf("  %-16s %6s | %10s %10s %10s\n", "change", "count", "median", "mean", "max");
+    for (const char* kind : {"Min -> Max", "Max -> Thumb", "Thumb -> Min"}) {
+        const QVector<qint64>& times = requestTimes.value(QLatin1String(kind));
+        const Figures figures = summarise(times);
+        std::printf("  %-16s %6d | %7.1f us %7.1f us %7.1f us\n", kind, int(times.size()), figures.median,
+                    figures.mean, figures.max);
+    }
+    const Figures all = summarise(allRequests);
+    const Figures settle = summarise(settleTimes);
+    std::printf("  %-16s %6d | %7.1f us %7.1f us %7.1f us\n", "every request", int(allRequests.size()), all.median,
+                all.mean, all.max);
+    std::printf("  %-16s %6d | %7.1f us %7.1f us %7.1f us\n", "events after", int(settleTimes.size()),
+                settle.median, settle.mean, settle.max);
+    if (wrong > 0)
+        std::printf("  %d requests did not reach their state\n", wrong);
+
+    qDeleteAll(containers);
+    manager.reset();
+    registry->setDesktop(nullptr);
+    return wrong == 0 ? 0 : 1;
+}
