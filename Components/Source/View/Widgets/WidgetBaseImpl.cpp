@@ -21,6 +21,7 @@
 #include <QPair>
 #include <QPushButton>
 #include <QThreadPool>
+#include <QTimer>
 
 #include <deque>
 #include <mutex>
@@ -29,6 +30,9 @@
 namespace {
 
 const char* const sourceFile = "Components/Source/View/Widgets/WidgetBaseImpl";
+
+// How long after binding the lock state is asked once more.
+constexpr std::chrono::milliseconds LockSettleDelay{1000};
 
 Orvanth::LockerID currentLockerID()
 {
@@ -357,16 +361,19 @@ void WidgetBaseImpl::bindAttribute(Orvanth::EngineReadingBase_ptr reading)
 
             // The callback holds no widget and no strong link: a notice after the widget
             // has gone does nothing, and the widget's destructor can end the subscription.
-            auto subscriber = std::make_shared<std::unique_ptr<Orvanth::DDS_BaseObj>>(
-                std::make_unique<Orvanth::DDS_Subscriber<Orvanth::DDS_VoidMessage>>(
-                    std::string(topic.in()),
-                    [notices](const char*) {
-                        if (const std::shared_ptr<EngineLink> target = notices.lock())
-                            target->requestLockQuery();
-                    },
-                    seconds, nanoseconds, eprosima::fastdds::dds::VOLATILE_DURABILITY_QOS));
+            using LockNotices = Orvanth::DDS_Subscriber<Orvanth::DDS_VoidMessage>;
+            auto subscriber = std::make_unique<LockNotices>(
+                std::string(topic.in()),
+                [notices](const char*) {
+                    if (const std::shared_ptr<EngineLink> target = notices.lock())
+                        target->requestLockQuery();
+                },
+                seconds, nanoseconds, eprosima::fastdds::dds::VOLATILE_DURABILITY_QOS);
+            // The reader exists before the question below, so no change after it is missed.
+            subscriber->waitForInitDone();
             // Deleted with the lambda when the widget is gone before it adopts it.
-            link->post([subscriber](WidgetBaseImpl* widget) { widget->adoptSubscription(subscriber->release()); });
+            auto adopted = std::make_shared<std::unique_ptr<Orvanth::DDS_BaseObj>>(std::move(subscriber));
+            link->post([adopted](WidgetBaseImpl* widget) { widget->adoptSubscription(adopted->release()); });
 
             const bool locked = !attribute->MayAccess(currentLockerID());
             link->shownLocked = locked;
@@ -476,8 +483,15 @@ void WidgetBaseImpl::finishBinding(quint64 generation, bool bound, bool locked)
 {
     if (generation != m_generation)
         return;
-    if (bound)
+    if (bound) {
         setWidgetLocked(locked);
+        // A new reader is matched with the engine's writer a little after it exists, and
+        // a lock change in between sends a notice nobody reads: ask once more then.
+        QTimer::singleShot(LockSettleDelay, this, [this, generation] {
+            if (generation == m_generation)
+                m_link->requestLockQuery();
+        });
+    }
     emit bindingFinished(bound);
 }
 

@@ -1,0 +1,122 @@
+#ifndef SIMULATORSESSION_H
+#define SIMULATORSESSION_H
+
+#include "ChildProcess.h"
+#include "NamingServiceProcess.h"
+
+#include "DDS_Subscriber.h"
+#include "GlobalImpl.h"
+#include "NamingServiceImpl.h"
+#include "ORB_base.h"
+#include "OrvanthNames.h"
+
+#include <QElapsedTimer>
+#include <QThreadPool>
+#include <QtTest>
+
+#include <atomic>
+#include <csignal>
+#include <memory>
+#include <sys/types.h>
+
+/**
+ * The engine simulator serving one test case: started on the test's naming service with
+ * its modules loaded by a module discovery registered in the registry. When it goes it
+ * waits for the pool's engine calls, deletes the registry (whose locker speaks to this
+ * simulator's lock manager) and stops the simulator. Build it before the widgets of the
+ * case, so that they go first.
+ *
+ * start() returns once a sample of the simulator has arrived here over DDS: the two
+ * processes have found each other, so a reader made after it is matched with the
+ * simulator's writers at once instead of after the participants' discovery.
+ *
+ * Needs TZ_ENGINE_SIMULATOR, and the process ORB started on \a naming.
+ */
+class SimulatorSession
+{
+public:
+    SimulatorSession() = default;
+    SimulatorSession(const SimulatorSession&) = delete;
+    SimulatorSession& operator=(const SimulatorSession&) = delete;
+
+    ~SimulatorSession()
+    {
+        resume();
+        QThreadPool::globalInstance()->waitForDone();
+        delete GlobalImpl::existingInstance();
+        m_discovery.reset();
+        m_simulator.stop();
+    }
+
+    bool start(const NamingServiceProcess& naming, const QStringList& arguments = {})
+    {
+        if (!m_simulator.start(QStringLiteral(TZ_ENGINE_SIMULATOR),
+                               QStringList{"--modules", "1", "--events-per-second", "0", "--battery-period-ms", "100"}
+                                   + arguments,
+                               naming.childEnvironment()))
+            return false;
+        std::atomic<bool> heard{false};
+        {
+            Orvanth::DDS_Subscriber<bool> power(
+                Orvanth::Names::ExternalVoltageTopic, [&heard](const char*, CORBA::Boolean) { heard = true; }, 0, 0,
+                eprosima::fastdds::dds::VOLATILE_DURABILITY_QOS);
+            QElapsedTimer clock;
+            clock.start();
+            while (!heard && clock.elapsed() < 10000)
+                QTest::qWait(10);
+        }
+        if (!heard)
+            return false;
+        m_discovery = std::make_unique<NamingServiceImpl>();
+        m_discovery->initialize();
+        GlobalImpl::getInstance()->setNamingService(m_discovery.get());
+        return m_discovery->guiAbleLoaded() == 1;
+    }
+
+    NamingServiceImpl& discovery() { return *m_discovery; }
+
+    /// The simulator's attribute \a name as a lockable attribute, or nil.
+    Orvanth::EngineAttribBase_var attribute(const QString& name)
+    {
+        const QList<Orvanth::EngineReadingBase_var> found = m_discovery->findAttribute(name);
+        return found.isEmpty() ? Orvanth::EngineAttribBase::_nil() : Orvanth::EngineAttribBase::_narrow(found[0].in());
+    }
+
+    /// How often the simulator has printed the line \a line so far.
+    int count(const QString& line) { return m_simulator.output().split(QLatin1Char('\n')).count(line); }
+
+    /// Waits (bounded) until the simulator has printed \a line \a times times.
+    bool waitForLine(const QString& line, int times = 1, int timeoutMs = 5000)
+    {
+        QElapsedTimer clock;
+        clock.start();
+        while (count(line) < times) {
+            if (clock.elapsed() > timeoutMs)
+                return false;
+            QTest::qWait(10);
+        }
+        return true;
+    }
+
+    /// SIGKILL: the engine is gone without unbinding anything.
+    void kill() { ::kill(pid_t(m_simulator.pid()), SIGKILL); }
+    /// SIGSTOP: the engine takes calls and answers none until resume().
+    void suspend()
+    {
+        ::kill(pid_t(m_simulator.pid()), SIGSTOP);
+        m_suspended = true;
+    }
+    void resume()
+    {
+        if (m_suspended)
+            ::kill(pid_t(m_simulator.pid()), SIGCONT);
+        m_suspended = false;
+    }
+
+private:
+    ChildProcess m_simulator;
+    std::unique_ptr<NamingServiceImpl> m_discovery;
+    bool m_suspended = false;
+};
+
+#endif
