@@ -11,6 +11,8 @@
 #include <boost/core/noncopyable.hpp>
 
 #include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <iostream>
 #include <string>
@@ -82,10 +84,18 @@ public:
                                       const eprosima::fastrtps::RequestedDeadlineMissedStatus&) override
     {
     }
+
+    /// A writer of the topic offers less than this reader requests, so the two never
+    /// match: said on standard error, as nothing else would ever show it.
     void on_requested_incompatible_qos(eprosima::fastdds::dds::DataReader*,
-                                       const eprosima::fastdds::dds::RequestedIncompatibleQosStatus&) override
+                                       const eprosima::fastdds::dds::RequestedIncompatibleQosStatus& status) override
     {
+        std::cerr << signature("on_requested_incompatible_qos(DDS::DataReader*, "
+                               "const DDS::RequestedIncompatibleQosStatus&)")
+                  << " incompatible QoS on topic \"" << topicName() << "\": " << policyName(status.last_policy_id)
+                  << std::endl;
     }
+
     void on_sample_rejected(eprosima::fastdds::dds::DataReader*,
                             const eprosima::fastrtps::SampleRejectedStatus&) override
     {
@@ -98,15 +108,38 @@ public:
                                  const eprosima::fastdds::dds::SubscriptionMatchedStatus&) override
     {
     }
-    void on_sample_lost(eprosima::fastdds::dds::DataReader*, const eprosima::fastdds::dds::SampleLostStatus&) override
+
+    /// The reader is best effort: samples lost on the wire are not sent again.
+    void on_sample_lost(eprosima::fastdds::dds::DataReader*,
+                        const eprosima::fastdds::dds::SampleLostStatus& status) override
     {
+        std::cerr << signature("on_sample_lost(DDS::DataReader*, const DDS::SampleLostStatus&)")
+                  << " samples lost on topic \"" << topicName() << "\": total " << status.total_count << std::endl;
     }
 
-    /// The text that prefixes this listener's diagnostics.
-    static std::string signature()
+    /// The text that prefixes the delivery diagnostics.
+    static std::string signature() { return signature("on_data_available(DDS::DataReader*)"); }
+
+    /// The text that prefixes the diagnostics of the listener operation \a operation.
+    static std::string signature(const char* operation)
     {
-        return std::string("void Orvanth::DDS_DataReaderListener<T>::on_data_available(DDS::DataReader*) [with T = ")
+        return std::string("void Orvanth::DDS_DataReaderListener<T>::") + operation + " [with T = "
                + DDS_SubscriberTraits<T>::payloadName + "]";
+    }
+
+    /// The name of a QoS policy as DDS spells it ("RELIABILITY"), or its number.
+    static std::string policyName(eprosima::fastdds::dds::QosPolicyId_t id)
+    {
+        static const char* const names[] = {"INVALID", "USERDATA", "DURABILITY", "PRESENTATION", "DEADLINE",
+                                             "LATENCYBUDGET", "OWNERSHIP", "OWNERSHIPSTRENGTH", "LIVELINESS",
+                                             "TIMEBASEDFILTER", "PARTITION", "RELIABILITY", "DESTINATIONORDER",
+                                             "HISTORY", "RESOURCELIMITS", "ENTITYFACTORY", "WRITERDATALIFECYCLE",
+                                             "READERDATALIFECYCLE", "TOPICDATA", "GROUPDATA", "TRANSPORTPRIORITY",
+                                             "LIFESPAN", "DURABILITYSERVICE", "DATAREPRESENTATION",
+                                             "TYPECONSISTENCYENFORCEMENT", "DISABLEPOSITIVEACKS"};
+        if (std::size_t(id) < sizeof(names) / sizeof(names[0]))
+            return names[id];
+        return "policy " + std::to_string(std::uint32_t(id));
     }
 
 private:
@@ -122,6 +155,13 @@ private:
         if (reader->take_next_sample(&sample, &info) != eprosima::fastrtps::types::ReturnCode_t::RETCODE_OK)
             throw Runtime_errors::Generic((signature() + " take_next_sample error.").c_str());
         deliver(sample, info);
+    }
+
+    std::string topicName() const
+    {
+        // Set before the reader exists, so before any status reaches this listener.
+        DDS_Subscriber<T>* subscriber = m_subscriber.load();
+        return subscriber ? subscriber->topicName() : std::string();
     }
 
     std::atomic<DDS_Subscriber<T>*> m_subscriber{nullptr};

@@ -2,6 +2,7 @@
 #define ORVANTH_DDS_SUBSCRIBERBASE_H
 
 #include "DDS_DataReaderListener.h"
+#include "DDS_ReaderQos.h"
 #include "DDS_SubscriberTraits.h"
 #include "SerializeSubscriberDestructionMutex.h"
 
@@ -28,11 +29,14 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <iostream>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <thread>
 #include <type_traits>
 
 namespace Orvanth {
@@ -44,6 +48,12 @@ namespace Orvanth {
  * The DDS entities are created on a short-lived setup thread, so construction never
  * blocks; no sample reaches the callback before that setup is done. A failed setup is
  * reported on standard error and the subscription then delivers nothing.
+ *
+ * With a minimum separation, at most one sample per separation reaches the callback:
+ * the first at once, the latest of those that came within the separation when it ends,
+ * on a thread of the subscriber's own. No callback starts once the destructor has
+ * begun, and the destructor waits for those still running, so a callback must not
+ * destroy its own subscriber.
  */
 template <class T, class F>
 class DDS_SubscriberBase : public DDS_BaseObj, private boost::noncopyable
@@ -59,7 +69,8 @@ public:
     /// The bits of every event class (1 << class, classes 0 to 5).
     static constexpr std::uint32_t AllEventClasses = 0x3F;
 
-    ~DDS_SubscriberBase() override = default;
+    /// Only does something when the subscriber's constructor failed after this one.
+    ~DDS_SubscriberBase() override { stopDelivery(); }
 
 protected:
     DDS_SubscriberBase(const std::string& topicName, const Callback& callback, std::int32_t seconds,
@@ -85,6 +96,7 @@ protected:
     void tearDown()
     {
         boost::lock_guard<boost::mutex> lock(SerializeSubscriberDestructionMutex);
+        stopDelivery();
         waitForInitDone();
         eprosima::fastdds::dds::DomainParticipant* participant = DdsBase().participant;
         // A null participant here means DDS was shut down, which deleted our entities too.
@@ -133,19 +145,10 @@ public:
         if (!self->m_topic)
             fail(" err: Participant->create_topic [" + typeName + "] [" + self->m_topicName + "]");
 
-        DataReaderQos qos;
-        if (self->m_subscriber->get_default_datareader_qos(qos) != ReturnCode_t::RETCODE_OK)
+        DataReaderQos defaults;
+        if (self->m_subscriber->get_default_datareader_qos(defaults) != ReturnCode_t::RETCODE_OK)
             std::cout << "DDS_Subscriber:: ERROR: create_datareader failed" << std::endl;
-        qos.durability().kind = durability;
-        qos.history().kind = KEEP_ALL_HISTORY_QOS;
-        qos.time_based_filter().minimum_separation =
-            eprosima::fastrtps::Duration_t(int32_t(seconds), uint32_t(nanoseconds));
-        // The default reader is best effort: a sample lost on the wire (an event message,
-        // a lock change) would vanish without a trace. A reliable reader has it resent.
-        qos.reliability().kind = RELIABLE_RELIABILITY_QOS;
-        // Shared-memory data sharing does not deliver fixed-size types between processes
-        // here; every sample goes through the loopback transport.
-        qos.data_sharing().off();
+        const DataReaderQos qos = readerQos(defaults, std::int32_t(seconds), std::uint32_t(nanoseconds), durability);
 
         self->m_listener.setSubscriber(self);
         self->m_dataReader = self->m_subscriber->create_datareader(self->m_topic, qos, &self->m_listener,
@@ -209,12 +212,25 @@ protected:
         return true;
     }
 
-    /// Hands one valid sample's value to the callback unless the separation drops it.
+    /// Hands one valid sample's value to the callback, or holds it back when it comes
+    /// within the minimum separation after the last delivery.
     void deliverValue(const Sample& sample)
     {
-        if (!admitNow())
+        std::unique_lock<std::mutex> lock(m_deliveryMutex);
+        if (m_stopping)
             return;
-        Traits::deliver(m_callback, m_topicName.c_str(), sample, m_classMask.load());
+        if (m_separation.count() > 0) {
+            const auto now = std::chrono::steady_clock::now();
+            if (m_delivered && now - m_lastDelivery < m_separation) {
+                holdBack(sample);
+                return;
+            }
+            // A sample still held back is older than this one.
+            m_heldBack.reset();
+            m_delivered = true;
+            m_lastDelivery = now;
+        }
+        callBack(lock, sample);
     }
 
 private:
@@ -246,22 +262,81 @@ private:
                                   + boost::posix_time::milliseconds(1));
     }
 
-    /**
-     * Fast DDS accepts a time-based filter in the reader QoS but does not apply it, so the
-     * minimum separation is enforced here: a sample arriving sooner than the separation
-     * after the last delivered one is dropped.
-     */
-    bool admitNow()
+    /// Keeps \a sample for the end of the separation; called with the delivery mutex held.
+    void holdBack(const Sample& sample)
     {
-        if (m_separation.count() == 0)
-            return true;
-        const auto now = std::chrono::steady_clock::now();
-        std::lock_guard<std::mutex> lock(m_separationMutex);
-        if (m_delivered && now - m_lastDelivery < m_separation)
-            return false;
-        m_delivered = true;
-        m_lastDelivery = now;
-        return true;
+        m_heldBack = sample;
+        // Started on the first sample held back: most lock topics never need it.
+        if (!m_separationThread.joinable())
+            m_separationThread = std::thread(&DDS_SubscriberBase::deliverHeldBack, this);
+        else
+            m_wake.notify_all();
+    }
+
+    /// The separation thread: hands on the sample held back once the separation after
+    /// the last delivery has passed, until teardown.
+    void deliverHeldBack()
+    {
+        std::unique_lock<std::mutex> lock(m_deliveryMutex);
+        while (!m_stopping) {
+            if (!m_heldBack) {
+                m_wake.wait(lock);
+                continue;
+            }
+            const auto windowEnd = m_lastDelivery + m_separation;
+            if (std::chrono::steady_clock::now() < windowEnd) {
+                m_wake.wait_until(lock, windowEnd);
+                continue;
+            }
+            const Sample sample = std::move(*m_heldBack);
+            m_heldBack.reset();
+            m_lastDelivery = std::chrono::steady_clock::now();
+            // No DDS layer to catch for us here: what the callback throws ends here, logged.
+            try {
+                callBack(lock, sample);
+            } catch (const std::exception& e) {
+                std::cerr << DDS_DataReaderListener<T>::signature() << " " << e.what() << std::endl;
+            } catch (...) {
+                std::cerr << DDS_DataReaderListener<T>::signature() << " unknown exception from the callback"
+                          << std::endl;
+            }
+        }
+    }
+
+    /// Runs the callback without the delivery mutex, which \a lock holds again after,
+    /// counted so that teardown can wait for it.
+    void callBack(std::unique_lock<std::mutex>& lock, const Sample& sample)
+    {
+        struct RunningCallback
+        {
+            DDS_SubscriberBase* self;
+            std::unique_lock<std::mutex>& lock;
+            ~RunningCallback()
+            {
+                lock.lock();
+                if (--self->m_callbacksRunning == 0)
+                    self->m_wake.notify_all();
+            }
+        };
+        ++m_callbacksRunning;
+        lock.unlock();
+        const RunningCallback running{this, lock};
+        Traits::deliver(m_callback, m_topicName.c_str(), sample, m_classMask.load());
+    }
+
+    /// Lets no callback start any more, drops a held-back sample, waits for the callbacks
+    /// still running and ends the separation thread.
+    void stopDelivery()
+    {
+        std::unique_lock<std::mutex> lock(m_deliveryMutex);
+        m_stopping = true;
+        m_heldBack.reset();
+        m_wake.notify_all();
+        m_wake.wait(lock, [this] { return m_callbacksRunning == 0; });
+        lock.unlock();
+        // Started only under the mutex and before m_stopping: nobody starts it now.
+        if (m_separationThread.joinable())
+            m_separationThread.join();
     }
 
     std::unique_ptr<ReaderRecord> m_record;
@@ -275,10 +350,17 @@ private:
     std::atomic<bool> m_initFailed{false};
     std::atomic<std::uint32_t> m_classMask{AllEventClasses};
 
+    // Fast DDS accepts a time-based filter in the reader QoS but does not apply it, so
+    // the minimum separation is kept here. The mutex guards the members below it.
     const std::chrono::nanoseconds m_separation;
-    std::mutex m_separationMutex;
+    std::mutex m_deliveryMutex;
+    std::condition_variable m_wake;
+    bool m_stopping = false;
+    int m_callbacksRunning = 0;
     bool m_delivered = false;
     std::chrono::steady_clock::time_point m_lastDelivery;
+    std::optional<Sample> m_heldBack;
+    std::thread m_separationThread;
 };
 
 } // namespace Orvanth
