@@ -3,6 +3,7 @@
 
 #include "ChildProcess.h"
 #include "NamingServiceProcess.h"
+#include "SampleCollector.h"
 
 #include "DDS_Subscriber.h"
 #include "Locker.h"
@@ -12,9 +13,7 @@
 #include <Orvanth.hh>
 
 #include <QDateTime>
-#include <QMutex>
 #include <QTemporaryDir>
-#include <QThread>
 #include <QtTest>
 
 #include <algorithm>
@@ -24,48 +23,6 @@
 
 using namespace Orvanth;
 using eprosima::fastdds::dds::VOLATILE_DURABILITY_QOS;
-
-namespace {
-
-// Values a subscriber delivered, kept for the test thread to look at.
-template <class Value>
-class Received
-{
-public:
-    void add(const Value& value)
-    {
-        QMutexLocker lock(&m_mutex);
-        m_values.push_back(value);
-        if (QThread::currentThread() == m_testThread)
-            m_onTestThread = true;
-    }
-
-    std::vector<Value> values()
-    {
-        QMutexLocker lock(&m_mutex);
-        return m_values;
-    }
-
-    int size() { return int(values().size()); }
-    bool contains(const Value& value)
-    {
-        const std::vector<Value> all = values();
-        return std::find(all.begin(), all.end(), value) != all.end();
-    }
-    bool anyOnTestThread()
-    {
-        QMutexLocker lock(&m_mutex);
-        return m_onTestThread;
-    }
-
-private:
-    QMutex m_mutex;
-    std::vector<Value> m_values;
-    QThread* const m_testThread = QThread::currentThread();
-    bool m_onTestThread = false;
-};
-
-} // namespace
 
 class TestEngineSimulator : public QObject
 {
@@ -233,12 +190,12 @@ void TestEngineSimulator::attributesFollowLocks()
 
     // The lock reader is announced before the value reader, in order; once a repeated
     // value arrives, the engine knows both readers and no lock notice is lost.
-    Received<QString> lockNotices;
+    SampleCollector<QString> lockNotices;
     DDS_Subscriber<DDS_VoidMessage> lockSubscriber(
         lockTopic.in(), [&](const char* topic) { lockNotices.add(QString::fromUtf8(topic)); }, 0, 0,
         VOLATILE_DURABILITY_QOS);
     lockSubscriber.waitForInitDone();
-    Received<int> values;
+    SampleCollector<int> values;
     DDS_Subscriber<int> valueSubscriber(
         dataTopic.in(), [&](const char*, CORBA::Long value) { values.add(value); }, 0, 0, VOLATILE_DURABILITY_QOS);
     QTRY_VERIFY_WITH_TIMEOUT(values.contains(1), 15000);
@@ -280,7 +237,7 @@ void TestEngineSimulator::attributesFollowLocks()
 
 void TestEngineSimulator::publishesEventsOfEachClass()
 {
-    Received<Event::Message> messages;
+    SampleCollector<Event::Message> messages;
     DDS_Subscriber<Event::Message> subscriber(
         Names::EventTopic, [&](const char*, Event::Message message) { messages.add(message); }, 0, 0,
         VOLATILE_DURABILITY_QOS);
@@ -311,8 +268,8 @@ void TestEngineSimulator::batteryDrainsThenCharges()
         bool operator==(const Reading& other) const { return level == other.level && external == other.external; }
     };
     QAtomicInt external(-1);
-    Received<Reading> readings;
-    Received<QString> malformed;
+    SampleCollector<Reading> readings;
+    SampleCollector<QString> malformed;
     DDS_Subscriber<MeterReading::Reading> battery(
         Names::BatteryTopic,
         [&](const char*, MeterReading::Reading reading) {
@@ -354,7 +311,7 @@ void TestEngineSimulator::batteryDrainsThenCharges()
 
 void TestEngineSimulator::modulesComeAndGo()
 {
-    Received<std::string> broadcasts;
+    SampleCollector<std::string> broadcasts;
     DDS_Subscriber<std::string> subscriber(
         Names::GuiAbleTopic, [&](const char*, std::string text) { broadcasts.add(text); }, 0, 0,
         VOLATILE_DURABILITY_QOS);
@@ -398,7 +355,7 @@ void TestEngineSimulator::stopsCleanlyOnSignal()
 {
     QFETCH(int, signal);
 
-    Received<std::string> broadcasts;
+    SampleCollector<std::string> broadcasts;
     DDS_Subscriber<std::string> subscriber(
         Names::GuiAbleTopic, [&](const char*, std::string text) { broadcasts.add(text); }, 0, 0,
         VOLATILE_DURABILITY_QOS);
