@@ -157,6 +157,7 @@ void TestWidgetBaseImpl::followsTheEnginesOwnLock()
     QVERIFY(host.widget->isLocked());
     QCOMPARE(overlay->size(), host.widget->size());
     QVERIFY(overlay->styleSheet().contains(QStringLiteral("url(:/images/lock.png)")));
+    QVERIFY(!QPixmap(QStringLiteral(":/images/lock.png")).isNull());
     QTRY_VERIFY_WITH_TIMEOUT(!overlay->isVisible(), 5000);
     QVERIFY(engine.count(actionFree) >= 1);
     QVERIFY(!host.widget->isLocked());
