@@ -3,6 +3,7 @@
 #include "CSS.h"
 #include "DemoNavigation.h"
 #include "DemoScreens.h"
+#include "DemoWidgets.h"
 #include "DesktopImpl.h"
 #include "DesktopManagerImpl.h"
 #include "GlobalImpl.h"
@@ -37,6 +38,7 @@ DesktopImpl* HostWindow::buildDesktop()
     m_desktopManager = std::make_unique<DesktopManagerImpl>();
     registry->setDesktopManager(m_desktopManager.get());
     m_screens = std::make_unique<DemoScreens>(m_desktop);
+    DemoWidgets::addTo(m_desktop);
     m_navigation = std::make_unique<DemoNavigation>(m_desktop);
     QStringList screens = registry->getScreenList();
     screens.sort();
