@@ -45,6 +45,9 @@ private slots:
     void goesToScreenEdgeOutsideMin_data();
     void goesToScreenEdgeOutsideMin();
     void takesWidthFromContainerFrame();
+    void followContainerMoveResizeAndVisibility();
+    void followContainerIntoMaxAndBack();
+    void containerTakesOneDrawerASide();
     void windowLookupReadsCaption();
     void badInputLoggedWithoutCrash();
 
@@ -233,6 +236,104 @@ void TestWindowDrawer::takesWidthFromContainerFrame()
     QCOMPARE(plain.getContainerFrame(), plain.findChild<QFrame*>(QStringLiteral("container_type")));
     plain.setDrawerOpened(true);
     QTRY_COMPARE_WITH_TIMEOUT(plain.width(), handle + contents, slideTimeout);
+}
+
+void TestWindowDrawer::followContainerMoveResizeAndVisibility()
+{
+    m_container->show();
+    WindowDrawer* right = m_container->addDrawer(WindowDrawer::Right, QStringLiteral("Configuration"));
+    WindowDrawer* left = m_container->addDrawer(WindowDrawer::Left, QStringLiteral("Markers"));
+    QVERIFY(right->isVisible() && left->isVisible());
+    QCOMPARE(right->geometry(), QRect(980, 100, handle, 400));
+    QCOMPARE(left->geometry(), QRect(500 - handle, 100, handle, 400));
+
+    m_container->move(600, 150);
+    QCOMPARE(right->geometry(), QRect(1080, 150, handle, 400));
+    QCOMPARE(left->geometry(), QRect(600 - handle, 150, handle, 400));
+    m_container->resize(500, 300);
+    QCOMPARE(right->geometry(), QRect(1100, 150, handle, 300));
+    QCOMPARE(left->geometry(), QRect(600 - handle, 150, handle, 300));
+
+    // An open drawer moves along open; a move by geometry alone is followed too.
+    left->setDrawerOpened(true);
+    QTRY_COMPARE_WITH_TIMEOUT(left->width(), handle + contents, slideTimeout);
+    m_container->setGeometry(550, 120, 500, 300);
+    QCOMPARE(left->geometry(), QRect(550 - handle - contents, 120, handle + contents, 300));
+    QCOMPARE(right->geometry(), QRect(1050, 120, handle, 300));
+
+    // Both above the container once it is raised.
+    m_container->raise();
+    const QObjectList stack = m_desktop->children();
+    QVERIFY(stack.indexOf(right) > stack.indexOf(m_container));
+    QVERIFY(stack.indexOf(left) > stack.indexOf(m_container));
+
+    QSignalSpy closed(right, &WindowDrawer::WindowClosed);
+    m_container->hide();
+    QVERIFY(!right->isVisible() && !left->isVisible());
+    QCOMPARE(closed.count(), 1);
+    m_container->show();
+    QVERIFY(right->isVisible() && left->isVisible());
+}
+
+void TestWindowDrawer::followContainerIntoMaxAndBack()
+{
+    m_container->init();
+    m_container->show();
+    m_container->move(500, 100);
+    WindowDrawer* right = m_container->addDrawer(WindowDrawer::Right, QStringLiteral("Configuration"));
+    WindowDrawer* left = m_container->addDrawer(WindowDrawer::Left, QStringLiteral("Markers"));
+
+    m_container->setState(QStringLiteral("Max"));
+    QTRY_COMPARE(m_container->geometry(), m_desktop->rect());
+    const int edgeHeight = m_desktop->height() - 96;
+    QCOMPARE(right->geometry(), QRect(m_desktop->width() - handle, 22, handle, edgeHeight));
+    QCOMPARE(left->geometry(), QRect(0, 22, handle, edgeHeight));
+    right->setDrawerOpened(true);
+    QTRY_COMPARE_WITH_TIMEOUT(right->geometry(),
+                              QRect(m_desktop->width() - handle - contents, 22, handle + contents, edgeHeight),
+                              slideTimeout);
+
+    m_container->setState(QStringLiteral("Min"));
+    QTRY_COMPARE(m_container->geometry(), QRect(500, 100, 480, 400));
+    QCOMPARE(right->position(), WindowDrawer::Right);
+    QCOMPARE(right->geometry(), QRect(980, 100, handle + contents, 400));
+    QCOMPARE(left->geometry(), QRect(500 - handle, 100, handle, 400));
+}
+
+void TestWindowDrawer::containerTakesOneDrawerASide()
+{
+    m_container->setWindowTitle(QStringLiteral("Scope"));
+    auto* form = new QFrame;
+    form->setObjectName(QStringLiteral("ContainerFrame"));
+    form->setMinimumWidth(300);
+    auto* layout = new QVBoxLayout;
+    layout->addWidget(form);
+    m_container->setDrawerLayout(layout);
+    WindowDrawer* configuration = m_container->getDrawer(WindowDrawer::Right);
+    QVERIFY(configuration);
+    QCOMPARE(configuration->findChild<RotatableLabel*>()->text(), QStringLiteral("Configuration"));
+    QCOMPARE(configuration->getContainerFrame(), form);
+    QCOMPARE(configuration->parentWidget(), m_desktop);
+    // Any side but the left one means the right-hand drawer.
+    QCOMPARE(m_container->getDrawer(WindowDrawer::DockPosition_t(2)), configuration);
+    QCOMPARE(m_container->getDrawer(WindowDrawer::Left), nullptr);
+
+    LogCapture log;
+    QCOMPARE(m_container->addDrawer(WindowDrawer::Right, QStringLiteral("Another")), configuration);
+    QVERIFY(log.contains(QStringLiteral("UserInterface - Drawer already present, not adding: \"Another\"")));
+    QCOMPARE(m_container->addDrawer(WindowDrawer::DockPosition_t(3), QStringLiteral("Third")), nullptr);
+    QVERIFY(log.contains(QStringLiteral("UserInterface - Undefined drawer position: 3")));
+    m_container->setDrawerOpened(WindowDrawer::DockPosition_t(3), true);
+    QVERIFY(log.lines().contains(
+        QStringLiteral("UserInterface - Undefined drawer requested to be opened on window: \"Scope\"")));
+    QVERIFY(!configuration->isOpen());
+    m_container->setDrawerOpened(WindowDrawer::Right, true);
+    QVERIFY(configuration->isOpen());
+
+    // The drawers go with their container.
+    QPointer<WindowDrawer> watched(configuration);
+    delete m_container;
+    QVERIFY(!watched);
 }
 
 void TestWindowDrawer::windowLookupReadsCaption()

@@ -131,6 +131,8 @@ ContainerImpl::~ContainerImpl()
     disconnect(this, nullptr, m_containerControl, nullptr);
     if (m_geometryAnimation)
         m_geometryAnimation->stop();
+    delete m_configurationDrawer;
+    delete m_secondDrawer;
 }
 
 QSize ContainerImpl::sizeHint() const
@@ -318,6 +320,58 @@ void ContainerImpl::move(int x, int y)
 
 void ContainerImpl::resizeDrawers()
 {
+    for (WindowDrawer* drawer : {m_configurationDrawer.data(), m_secondDrawer.data()}) {
+        if (drawer) {
+            drawer->setHeight(height());
+            drawer->moveDrawer();
+        }
+    }
+}
+
+WindowDrawer* ContainerImpl::getDrawer(WindowDrawer::DockPosition_t position) const
+{
+    return position != WindowDrawer::Left ? m_configurationDrawer.data() : m_secondDrawer.data();
+}
+
+WindowDrawer* ContainerImpl::addDrawer(WindowDrawer::DockPosition_t position, const QString& title)
+{
+    if (position != WindowDrawer::Left && position != WindowDrawer::Right) {
+        qDebug() << "UserInterface - Undefined drawer position:" << int(position) << "for drawer:" << title
+                 << "on window:" << m_title;
+        return nullptr;
+    }
+    QPointer<WindowDrawer>& drawer = position == WindowDrawer::Right ? m_configurationDrawer : m_secondDrawer;
+    if (drawer) {
+        qDebug() << "UserInterface - Drawer already present, not adding:" << title << "on window:" << m_title;
+        return drawer;
+    }
+    drawer = new WindowDrawer(parentWidget(), this, position, title);
+    connect(this, &ContainerBase::changeSize, drawer.data(), &WindowDrawer::changeSize);
+    // A drawer added to a maximized container starts at the screen edge.
+    if (!m_stateName.isEmpty() && m_stateName != QLatin1String("Min"))
+        drawer->changeSize(m_stateName);
+    drawer->setHeight(height());
+    if (isVisible())
+        drawer->show();
+    drawer->moveDrawer();
+    return drawer;
+}
+
+void ContainerImpl::setDrawerLayout(QLayout* layout)
+{
+    WindowDrawer* drawer = m_configurationDrawer ? m_configurationDrawer.data()
+                                                 : addDrawer(WindowDrawer::Right, QStringLiteral("Configuration"));
+    drawer->setDrawerLayout(layout);
+}
+
+void ContainerImpl::setDrawerOpened(WindowDrawer::DockPosition_t position, bool open)
+{
+    if (position != WindowDrawer::Left && position != WindowDrawer::Right) {
+        qDebug() << "UserInterface - Undefined drawer requested to be opened on window:" << m_title;
+        return;
+    }
+    if (WindowDrawer* drawer = getDrawer(position))
+        drawer->setDrawerOpened(open);
 }
 
 void ContainerImpl::updateStyle()
@@ -487,18 +541,34 @@ void ContainerImpl::mouseReleaseEvent(QMouseEvent* event)
 
 void ContainerImpl::showDrawers()
 {
+    for (WindowDrawer* drawer : {m_configurationDrawer.data(), m_secondDrawer.data()}) {
+        if (drawer)
+            drawer->show();
+    }
 }
 
 void ContainerImpl::hideDrawers()
 {
+    for (WindowDrawer* drawer : {m_configurationDrawer.data(), m_secondDrawer.data()}) {
+        if (drawer)
+            drawer->hide();
+    }
 }
 
 void ContainerImpl::raiseDrawers()
 {
+    for (WindowDrawer* drawer : {m_configurationDrawer.data(), m_secondDrawer.data()}) {
+        if (drawer)
+            drawer->raise();
+    }
 }
 
-void ContainerImpl::moveDrawers(int, int)
+void ContainerImpl::moveDrawers(int x, int y)
 {
+    if (m_configurationDrawer)
+        m_configurationDrawer->move(x + m_configurationDrawer->getPositionOffset(), y);
+    if (m_secondDrawer)
+        m_secondDrawer->move(x - m_secondDrawer->getPositionOffset(), y);
 }
 
 QFrame* ContainerImpl::containerFrame() const

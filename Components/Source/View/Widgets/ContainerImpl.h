@@ -2,6 +2,7 @@
 #define CONTAINERIMPL_H
 
 #include "ContainerBase.h"
+#include "WindowDrawer.h"
 
 #include <QElapsedTimer>
 #include <QList>
@@ -84,6 +85,16 @@ public:
     Q_INVOKABLE virtual void move(int x, int y);
     /// Lets the drawers follow the container's size; nothing to do without drawers.
     virtual void resizeDrawers();
+
+    /// The right-hand drawer for any position but 0, the left-hand one for 0; null when
+    /// there is none.
+    WindowDrawer* getDrawer(WindowDrawer::DockPosition_t position) const;
+    /// Adds a drawer on the side of \a position, at most one a side; returns the drawer
+    /// on that side, or null for an unknown side.
+    WindowDrawer* addDrawer(WindowDrawer::DockPosition_t position, const QString& title);
+    /// Puts \a layout in the right-hand drawer, titled "Configuration" when it is added here.
+    void setDrawerLayout(QLayout* layout);
+    void setDrawerOpened(WindowDrawer::DockPosition_t position, bool open);
     /// Brings the border frame and the frame's margins in line with the size state and
     /// the application options.
     virtual void updateStyle();
@@ -196,6 +207,9 @@ private:
     bool m_lockable = false;
     bool m_snapsToGrid = false;
     QPointer<QPropertyAnimation> m_geometryAnimation;
+    // Siblings of the container, so that they can reach past its edges.
+    QPointer<WindowDrawer> m_configurationDrawer;
+    QPointer<WindowDrawer> m_secondDrawer;
 };
 
 #endif

@@ -172,8 +172,10 @@ WindowDrawer::WindowDrawer(QWidget* parent, ContainerImpl* container, DockPositi
 
     connect(m_handleButton, &QPushButton::toggled, this, &WindowDrawer::animateContainer);
     connect(m_slideAnimation, &QAbstractAnimation::finished, this, &WindowDrawer::animationFinished);
-    if (container)
+    if (container) {
         connect(container, &QObject::destroyed, this, &QObject::deleteLater);
+        container->installEventFilter(this);
+    }
     hide();
 }
 
@@ -420,6 +422,15 @@ void WindowDrawer::move(int x, int y)
 {
     QFrame::move(x, y);
     emit newPos(QPoint(x, y));
+}
+
+bool WindowDrawer::eventFilter(QObject* watched, QEvent* event)
+{
+    // Animated state changes move the container by its geometry, not through move();
+    // at the screen edge the drawer does not depend on where the container is.
+    if (watched == m_container && event->type() == QEvent::Move && !m_screenMode)
+        moveDrawer();
+    return QFrame::eventFilter(watched, event);
 }
 
 void WindowDrawer::mousePressEvent(QMouseEvent* event)

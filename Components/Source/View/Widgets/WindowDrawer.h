@@ -10,6 +10,7 @@
 #include <QString>
 
 class ContainerImpl;
+class QEvent;
 class QHBoxLayout;
 class QHideEvent;
 class QLayout;
@@ -97,6 +98,8 @@ signals:
     void WindowClosed();
 
 protected:
+    // Follows moves of the container that do not go through its own move().
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
