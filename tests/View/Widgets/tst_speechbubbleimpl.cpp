@@ -5,7 +5,8 @@
 
 #include "SpeechBubbleImpl.h"
 
-#include <QFontMetrics>
+#include <QFontMetricsF>
+#include <QtMath>
 #include <QPainterPath>
 #include <QSignalSpy>
 #include <QtTest>
@@ -85,13 +86,16 @@ void TestSpeechBubbleImpl::drawsPointerWhereAligned()
 void TestSpeechBubbleImpl::wrapsLongTextAt250Pixels()
 {
     SpeechBubbleImpl bubble;
-    const QString shortText = QStringLiteral("Fan speed low");
+    bubble.setText(QStringLiteral("Fan"));
+    const QRectF oneWord = bubble.shape().boundingRect();
+    const QString shortText = QStringLiteral("Synthesizer unlocked");
     bubble.setText(shortText);
     const QRectF oneLine = bubble.shape().boundingRect();
     QFont font = bubble.font();
     font.setPointSize(10);
-    // The bottom-pointer box runs 15 pixels either side of the text.
-    QCOMPARE(int(oneLine.width()) - 30, QFontMetrics(font).horizontalAdvance(shortText));
+    // The bottom-pointer box runs 15 pixels either side of the text, on one line.
+    QCOMPARE(int(oneLine.width()) - 30, qCeil(QFontMetricsF(font).horizontalAdvance(shortText)));
+    QCOMPARE(oneLine.height(), oneWord.height());
 
     bubble.setText(QStringLiteral("Input overload: RF attenuator set to 30 dB while the sweep was running on "
                                   "all four channels of the second module"));

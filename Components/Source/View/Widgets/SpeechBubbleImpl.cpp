@@ -2,7 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDebug>
-#include <QFontMetrics>
+#include <QFontMetricsF>
 #include <QHideEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -141,8 +141,9 @@ QSizeF SpeechBubbleImpl::calculateTextLayout(const QString& text)
 {
     resetTextFont();
     const QString translated = QCoreApplication::translate("SpeechBubbleImpl", text.toUtf8().constData());
-    const QFontMetrics metrics(m_font);
-    const int lineWidth = std::min(metrics.horizontalAdvance(translated), MaxLineWidth);
+    const QFontMetricsF metrics(m_font);
+    // Rounded up: a line a fraction narrower than the text would wrap its last word.
+    const int lineWidth = std::min(int(std::ceil(metrics.horizontalAdvance(translated))), MaxLineWidth);
     const double leading = metrics.leading();
 
     m_textLayout->setFont(m_font);
