@@ -1,0 +1,560 @@
+#include "QTZStatusBar.h"
+
+#include "ApplicationOptions.h"
+#include "CSS.h"
+#include "DDS_Subscriber.h"
+#include "OrvanthNames.h"
+#include "QTZBatteryStatus.h"
+#include "QTZLowBatteryAlert.h"
+#include "QTZMsgLogger.h"
+#include "SpeechBubbleImpl.h"
+
+#include <QDebug>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QPushButton>
+
+#include <algorithm>
+
+namespace {
+
+const QString Small = QStringLiteral("Small");
+const QString Max = QStringLiteral("Max");
+const QString Tiny = QStringLiteral("Tiny");
+
+bool isWideScreen()
+{
+    const ApplicationOptions::ScreenSize size = ApplicationOptions::screenSize();
+    return size == ApplicationOptions::ScreenSize::Landscape || size == ApplicationOptions::ScreenSize::SmallPortrait;
+}
+
+QHBoxLayout* rowLayout(QWidget* owner, int spacing)
+{
+    auto* layout = new QHBoxLayout(owner);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing);
+    return layout;
+}
+
+QPushButton* iconButton(const QString& objectName, QWidget* parent)
+{
+    auto* button = new QPushButton(parent);
+    button->setObjectName(objectName);
+    button->setFixedWidth(30);
+    button->setFocusPolicy(Qt::NoFocus);
+    return button;
+}
+
+// The sheet shared by the three sizes; each size changes a few of its rules.
+QString barSheet(const QString& labelBoxRule, const QString& minMaxImage, const QString& iconMargin,
+                 const QString& textRules)
+{
+    const QString iconSize =
+        QStringLiteral("    min-width: 30px;    max-width: 30px;    min-height: 30px;    max-height: 30px;");
+    return QStringLiteral("QFrame#StatusBar {    background-color: transparent;}"
+                          "QFrame#MessageFrame {    background-color: rgb(63,63,63);    border: 2px solid ")
+           + CSS::border()
+           + QStringLiteral(";    border-radius: 18px;    padding-left: 2px;}") + labelBoxRule
+           + QStringLiteral("QPushButton#MinMaxIcon {") + minMaxImage + QStringLiteral("    border: none;")
+           + iconSize + iconMargin + QStringLiteral("}QLabel#LockIcon {    background-image: url(:/images/lockIcon.png);"
+                                                    "    background-position: center;    background-repeat: no-repeat;")
+           + iconSize + iconMargin
+           + QStringLiteral("}QPushButton#AlertIcon {    border-image: url(:/images/alertIcon.png);") + iconSize
+           + iconMargin + QStringLiteral("}QLabel#TestIcon {    border: 2px solid green;") + iconSize
+           + QStringLiteral("}QPushButton#MaxButton {    border: none;    background-color: transparent;"
+                            "    color: transparent;}")
+           + textRules;
+}
+
+} // namespace
+
+QTZStatusBar::QTZStatusBar(QWidget* parent)
+    : QFrame(parent)
+    , m_geometryAnimation(this, "geometry")
+{
+    EventMessageFormat::registerMetaTypes();
+    setObjectName(QStringLiteral("StatusBar"));
+    buildStyleSheets();
+
+    auto* barLayout = rowLayout(this, 0);
+    m_messageFrame = new QFrame(this);
+    m_messageFrame->setObjectName(QStringLiteral("MessageFrame"));
+    barLayout->addWidget(m_messageFrame);
+    auto* messageLayout = rowLayout(m_messageFrame, 10);
+
+    m_iconBox = new QLabel(m_messageFrame);
+    m_iconBox->setObjectName(QStringLiteral("LabelBox"));
+    m_iconLayout = rowLayout(m_iconBox, 2);
+    m_minMaxIcon = iconButton(QStringLiteral("MinMaxIcon"), m_iconBox);
+    m_lockIcon = new QLabel(m_iconBox);
+    m_lockIcon->setObjectName(QStringLiteral("LockIcon"));
+    m_lockIcon->setFixedWidth(30);
+    m_alertIcon = iconButton(QStringLiteral("AlertIcon"), m_iconBox);
+    for (QWidget* icon : {static_cast<QWidget*>(m_minMaxIcon), static_cast<QWidget*>(m_lockIcon),
+                          static_cast<QWidget*>(m_alertIcon)})
+        m_iconLayout->addWidget(icon);
+
+    m_textField = new QLabel(m_messageFrame);
+    m_textField->setObjectName(QStringLiteral("LblText"));
+    for (QLabel*& label : m_textLabels) {
+        label = new QLabel(m_textField);
+        label->setObjectName(QStringLiteral("HiddenLabel"));
+    }
+    m_textField->installEventFilter(this);
+    // Shown only at the "Max" size.
+    m_textField->hide();
+    messageLayout->addWidget(m_iconBox);
+    messageLayout->addWidget(m_textField, 1);
+
+    m_maxButton = new QPushButton(this);
+    m_maxButton->setObjectName(QStringLiteral("MaxButton"));
+    m_maxButton->setFocusPolicy(Qt::NoFocus);
+    m_maxButton->hide();
+
+    m_compact = ApplicationOptions::isHandheld() || ApplicationOptions::isPortraitResolution()
+                || ApplicationOptions::screenSize() == ApplicationOptions::ScreenSize::Landscape;
+    if (m_compact) {
+        m_battery = new QTZBatteryStatus(m_iconBox);
+        m_iconLayout->addWidget(m_battery);
+        m_textWidth = 380;
+    }
+    if (ApplicationOptions::isPortraitResolution())
+        m_textWidth = 225;
+    m_textLabels[0]->setGeometry(0, 0, m_textWidth, m_barHeight);
+    m_textLabels[1]->setGeometry(0, m_barHeight, m_textWidth, m_barHeight);
+
+    setStyleSheet(m_smallSheet);
+    // Measured as styled: the sheet's margins widen the icons.
+    for (int i = 0; i < m_iconLayout->count(); ++i)
+        m_iconsWidth += iconWidth(m_iconLayout->itemAt(i)->widget()) + m_iconLayout->spacing();
+    m_iconBox->setFixedWidth(m_iconsWidth);
+    m_smallWidth = sizeHint().width();
+    setMinimumSize(m_smallWidth, m_barHeight);
+    setMaximumWidth(MaximumWidth);
+    int x = 300;
+    if (ApplicationOptions::isHandheld())
+        x = 200;
+    else if (ApplicationOptions::isPortraitResolution())
+        x = 5;
+    setGeometry(x, parentSize().height() - 50, m_smallWidth, m_barHeight);
+
+    connect(m_minMaxIcon, &QPushButton::clicked, this, &QTZStatusBar::animate);
+    connect(m_maxButton, &QPushButton::clicked, this, &QTZStatusBar::animate);
+    connect(&m_geometryAnimation, &QPropertyAnimation::finished, this, &QTZStatusBar::animationFinished);
+    connect(m_alertIcon, &QPushButton::clicked, this, &QTZStatusBar::handleAlertIconClicked);
+    // Emitted on a DDS thread by dds_callback: queued into the GUI thread.
+    connect(this, &QTZStatusBar::updateMessage, this,
+            QOverload<QString, QString, Orvanth::Event::EventClass>::of(&QTZStatusBar::addMessage));
+
+    m_log = new QTZMsgLogger(parentWidget(), logAnchor());
+    connect(this, &QTZStatusBar::showMessageLog, m_log.data(), &MsgLogger::animate);
+    connect(m_log.data(), &MsgLogger::finished, this, &QTZStatusBar::minimizeAll);
+
+    m_speechBubble = new SpeechBubbleImpl(parentWidget());
+    m_speechBubble->hide();
+
+    m_subscriber = std::make_unique<Orvanth::DDS_Subscriber<Orvanth::Event::Message>>(
+        Orvanth::Names::EventTopic,
+        [this](const char* topic, Orvanth::Event::Message message) { dds_callback(topic, std::move(message)); }, 0, 0,
+        eprosima::fastdds::dds::VOLATILE_DURABILITY_QOS);
+    m_subscriber->setClassMask(Orvanth::DDS_Subscriber<Orvanth::Event::Message>::AllEventClasses);
+}
+
+QTZStatusBar::~QTZStatusBar()
+{
+    // No callback may emit into a bar being destroyed.
+    m_subscriber.reset();
+    m_geometryAnimation.stop();
+    delete m_speechBubble.data();
+    delete m_log.data();
+}
+
+QString QTZStatusBar::sizeStyleSheet(const QString& size)
+{
+    if (size == Small) {
+        return barSheet(QStringLiteral("QLabel#LabelBox {    background-color: transparent;    border: none;"
+                                       "    min-height: 32px;    max-height: 32px;}"),
+                        QStringLiteral("    image: url(:/images/svg/maximizeButton.svg);"),
+                        QStringLiteral("    margin-right: 2px;"), QString());
+    }
+    if (size == Max) {
+        return barSheet(
+            QStringLiteral("QLabel#LabelBox {    background-color: transparent;    border: none;    padding: 0px;"
+                           "    min-height: 32px;    max-height: 32px;}"),
+            QStringLiteral("    image: url(:/images/svg/restoreButton.svg);"), QStringLiteral("    margin-right: 4px;"),
+            QStringLiteral("QLabel#LblText {    background-color: rgb(153,153,153);    border: 2px solid ")
+                + CSS::border()
+                + QStringLiteral(";    border-radius: 14px;    font-size: 18px;    color: black;"
+                                 "    margin: 0px 2px 0px 0px;    padding-right: 4px;    padding-top: 4px;"
+                                 "    min-height: 26px;    max-height: 26px;}"
+                                 "QLabel#HiddenLabel {    background-color: transparent;    font-size: 18px;"
+                                 "    color: black;    padding: 7px 0px 0px 4px;    margin: 0px 2px 0px 0px;"
+                                 "    min-height: 26px;    max-height: 26px;    border: none;}"));
+    }
+    return barSheet(QStringLiteral("QLabel#LabelBox {    background-color: transparent;    border: none;"
+                                   "    min-height: 34px;    max-height: 34px;}"),
+                    QStringLiteral("    image: none;"), QStringLiteral("    margin: 0px;"), QString());
+}
+
+QString QTZStatusBar::infoIconStyleSheet()
+{
+    return QStringLiteral("QPushButton#AlertIcon {    border-image: url(:/images/alertIcon_info.png);}");
+}
+
+QString QTZStatusBar::alertStyleSheet()
+{
+    return QStringLiteral("QFrame#MessageFrame {    border: 2px solid #f00;}"
+                          "QPushButton#AlertIcon {    border-image: url(:/images/error_alertIcon.png);}"
+                          "QLabel#LblText {    border: 2px solid #f00;}");
+}
+
+void QTZStatusBar::buildStyleSheets()
+{
+    m_smallSheet = sizeStyleSheet(Small);
+    m_maxSheet = sizeStyleSheet(Max);
+    m_tinySheet = sizeStyleSheet(Tiny);
+    m_infoIconSheet = infoIconStyleSheet();
+    m_alertSheet = alertStyleSheet();
+}
+
+void QTZStatusBar::setCSS()
+{
+    QString sheet = m_sizeState == Max ? m_maxSheet : m_sizeState == Small ? m_smallSheet : m_tinySheet;
+    if (m_alert)
+        sheet += m_alertSheet;
+    else if (m_newMessage)
+        sheet += m_infoIconSheet;
+    // Re-polishing every child is not free, and messages may come many a second.
+    if (sheet != styleSheet())
+        setStyleSheet(sheet);
+    if (m_battery)
+        m_battery->setStyle(QStringLiteral("Min"));
+}
+
+void QTZStatusBar::setTinySizeEnabled(bool enabled)
+{
+    m_tinySizeEnabled = enabled;
+    m_sizeState = Max;
+    animate();
+}
+
+void QTZStatusBar::logToFile(bool on)
+{
+    if (m_log)
+        m_log->logToFile(on);
+}
+
+void QTZStatusBar::setOutputFile(const QString& fileName)
+{
+    if (m_log)
+        m_log->setOutputFile(fileName);
+}
+
+void QTZStatusBar::dds_callback(const char*, Orvanth::Event::Message message)
+{
+    EventMessageFormat::logReceived(message);
+    emit updateMessage(QString::fromStdString(message.text()), EventMessageFormat::formatTimeStamp(message.timestamp()),
+                       message.classification());
+}
+
+QString QTZStatusBar::fileMessage(MsgLogger* log, int messageCount, const QString& desc, const QString& dateTime,
+                                  Orvanth::Event::EventClass evt)
+{
+    if (desc.trimmed().isEmpty())
+        qDebug() << "UserInterface - StatusBar - message without text, class" << quint32(evt);
+    if (quint32(evt) > quint32(Orvanth::Event::EVENT_STATUS))
+        qDebug() << "UserInterface - StatusBar - unknown event class shown as INFO:" << quint32(evt);
+    const QString line = EventMessageFormat::line(dateTime, evt, desc);
+    if (!log)
+        return line;
+
+    const bool red = EventMessageFormat::isAlertClass(evt);
+    log->setTextColor(red ? Qt::red : Qt::black);
+    if (messageCount < MsgLogger::MaximumLines) {
+        log->addMessage(line, true);
+    } else {
+        if (messageCount % MsgLogger::MaximumLines == 0)
+            log->setTextCursorStart();
+        log->addMessage(line, false);
+    }
+    if (red)
+        log->setTextColor(Qt::black);
+    return line;
+}
+
+void QTZStatusBar::addMessage(QString desc, QString dateTime, Orvanth::Event::EventClass evt)
+{
+    const QString line = fileMessage(m_log, m_messageCount, desc, dateTime, evt);
+    if (EventMessageFormat::isAlertClass(evt)) {
+        showAlertMessage(line);
+    } else {
+        m_newMessage = true;
+        if (evt == Orvanth::Event::EVENT_CRITICAL)
+            showInfoMessage(desc, SpeechBubbleImpl::csRed);
+        else if (evt == Orvanth::Event::EVENT_STATUS)
+            showInfoMessage(desc, SpeechBubbleImpl::csGreen);
+        else
+            setCSS();
+    }
+
+    m_labelToggle = !m_labelToggle;
+    QLabel* in = m_textLabels[m_labelToggle ? 1 : 0];
+    QLabel* out = m_textLabels[m_labelToggle ? 0 : 1];
+    const QString text = desc.simplified();
+    in->setText(text);
+    out->setText(m_lastText);
+    slideText(out, in, m_barHeight);
+    m_lastText = text;
+    ++m_messageCount;
+}
+
+void QTZStatusBar::addMessage(QString desc, QString dateTime)
+{
+    addMessage(desc, dateTime, Orvanth::Event::EVENT_INFO);
+}
+
+void QTZStatusBar::addMessage(QString desc)
+{
+    addMessage(desc, QString(), Orvanth::Event::EVENT_INFO);
+}
+
+void QTZStatusBar::slideText(QLabel* out, QLabel* in, int distance)
+{
+    const auto slide = [](QLabel* label, const QPoint& from, const QPoint& to) {
+        // A slide still running from the previous message would fight this one.
+        for (QPropertyAnimation* running : label->findChildren<QPropertyAnimation*>())
+            running->stop();
+        auto* animation = new QPropertyAnimation(label, "pos", label);
+        animation->setDuration(AnimationMs);
+        animation->setStartValue(from);
+        animation->setEndValue(to);
+        animation->start(QAbstractAnimation::DeleteWhenStopped);
+    };
+    slide(out, QPoint(0, 0), QPoint(0, -distance));
+    slide(in, QPoint(0, distance), QPoint(0, -4));
+}
+
+void QTZStatusBar::showInfoMessage(const QString& text, int scheme)
+{
+    if (m_speechBubble) {
+        m_speechBubble->setColorScheme(SpeechBubbleImpl::ColorScheme(scheme));
+        m_speechBubble->setText(text);
+        QPoint point(x() + m_iconsWidth - 30, y() + 5);
+        const QSize screen = ApplicationOptions::resolution();
+        if (screen.isValid() && point.x() + m_speechBubble->width() > screen.width())
+            point.setX(screen.width() / 2);
+        m_speechBubble->show(point);
+    }
+    setCSS();
+}
+
+void QTZStatusBar::showAlertMessage(const QString& line)
+{
+    if (!m_alert) {
+        m_alert = true;
+        if (m_log)
+            m_log->setAlertStyle(true);
+        setCSS();
+    }
+    if (ApplicationOptions::isInitializing())
+        m_pendingAlerts.append(line);
+    else
+        emit sendAlert(line, false);
+}
+
+void QTZStatusBar::sendAllAlertMessages()
+{
+    // Taken first: a receiver may post further messages while we emit.
+    const QStringList pending = m_pendingAlerts;
+    m_pendingAlerts.clear();
+    for (const QString& alert : pending)
+        emit sendAlert(alert, false);
+}
+
+void QTZStatusBar::disableAlertMessage()
+{
+    m_alert = false;
+    if (m_log) {
+        m_log->raise();
+        m_log->setAlertStyle(false);
+    }
+    setCSS();
+}
+
+void QTZStatusBar::handleAlertIconClicked()
+{
+    if (m_alert) {
+        showAlertMessage(QString());
+    } else if (m_newMessage) {
+        if (m_sizeState == Small)
+            animate();
+        m_logShown = true;
+        emit showMessageLog(true);
+    }
+}
+
+void QTZStatusBar::mouseReleaseEvent(QMouseEvent* event)
+{
+    const QWidget* child = childAt(event->pos());
+    if (child && child->objectName() == QLatin1String("HiddenLabel")) {
+        raise();
+        m_logShown = !m_logShown;
+        emit showMessageLog(m_logShown);
+    }
+    QFrame::mouseReleaseEvent(event);
+}
+
+bool QTZStatusBar::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_textField && event->type() == QEvent::Resize) {
+        for (QLabel* label : m_textLabels)
+            label->resize(m_textWidth, m_textField->height());
+    }
+    return QFrame::eventFilter(watched, event);
+}
+
+void QTZStatusBar::changeState()
+{
+    if (m_sizeState == Small)
+        m_sizeState = Max;
+    else if (m_sizeState == Max)
+        m_sizeState = m_tinySizeEnabled ? Tiny : Small;
+    else
+        m_sizeState = Small;
+}
+
+void QTZStatusBar::setIconsVisible(bool visible)
+{
+    if (m_battery)
+        m_battery->setVisible(visible);
+    for (QWidget* icon : m_iconBox->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
+        icon->setVisible(visible);
+}
+
+void QTZStatusBar::animate()
+{
+    raise();
+    if (m_logShown) {
+        // Closing the log first; its finished() brings us back here through minimizeAll().
+        if (m_log)
+            m_log->raise();
+        m_resumeAnimation = true;
+        m_logShown = false;
+        emit showMessageLog(false);
+        return;
+    }
+
+    changeState();
+    const QRect start = geometry();
+    const QSize area = parentSize();
+    QRect target;
+    QEasingCurve easing(QEasingCurve::OutBack);
+    if (m_sizeState == Max) {
+        const int x = isWideScreen() ? 5 : start.x();
+        target = QRect(x, area.height() - 50, area.width() - 5 - x, m_barHeight);
+        m_textField->show();
+        setCSS();
+        if (m_log) {
+            m_log->setPoint(QPoint(m_iconsWidth + x + 10, start.y()));
+            m_log->setMinimumWidth(area.width() - 9 - x - m_iconsWidth);
+        }
+    } else if (m_sizeState == Tiny) {
+        setMinimumWidth(50);
+        setIconsVisible(false);
+        m_maxButton->show();
+        m_maxButton->raise();
+        easing = QEasingCurve(QEasingCurve::InBack);
+        const int width = minimumWidth();
+        // Half of it lies below the parent's bottom edge.
+        target = QRect((area.width() - width) / 2, area.height() - 35, width, 70);
+        m_maxButton->setGeometry(0, 0, width, 70);
+    } else {
+        setMinimumWidth(m_smallWidth);
+        setIconsVisible(true);
+        m_maxButton->hide();
+        const int x = isWideScreen() ? area.width() / 2 - m_smallWidth / 2 : start.x();
+        target = QRect(x, area.height() - 50, m_smallWidth, m_barHeight);
+        setCSS();
+    }
+
+    m_geometryAnimation.stop();
+    if (ApplicationOptions::isHandheld()
+        || ApplicationOptions::screenSize() == ApplicationOptions::ScreenSize::Landscape) {
+        setGeometry(target);
+        animationFinished();
+        return;
+    }
+    m_geometryAnimation.setEasingCurve(easing);
+    m_geometryAnimation.setDuration(AnimationMs);
+    m_geometryAnimation.setStartValue(start);
+    m_geometryAnimation.setEndValue(target);
+    m_geometryAnimation.start();
+}
+
+void QTZStatusBar::animationFinished()
+{
+    if (m_sizeState == Max) {
+        emit maximized();
+        return;
+    }
+    m_textField->hide();
+    setCSS();
+    emit minimized();
+}
+
+void QTZStatusBar::minimizeAll()
+{
+    if (m_newMessage) {
+        m_newMessage = false;
+        setCSS();
+    }
+    if (m_resumeAnimation) {
+        m_resumeAnimation = false;
+        animate();
+    }
+}
+
+void QTZStatusBar::addIcon(QWidget* icon)
+{
+    if (!icon) {
+        qDebug() << "UserInterface - StatusBar - no icon to add";
+        return;
+    }
+    m_iconLayout->insertWidget(std::max(0, m_iconLayout->count() - 2), icon);
+    icon->setVisible(m_sizeState != Tiny);
+    const int width = iconWidth(icon) + m_iconLayout->spacing();
+    m_iconsWidth += width;
+    m_iconBox->setFixedWidth(m_iconsWidth);
+    m_smallWidth += width;
+    if (m_sizeState == Small) {
+        setMinimumWidth(m_smallWidth);
+        resize(m_smallWidth, height());
+    }
+    if (m_log)
+        m_log->setPoint(logAnchor());
+}
+
+int QTZStatusBar::iconWidth(QWidget* icon)
+{
+    icon->ensurePolished();
+    int width = icon->maximumWidth();
+    if (width >= QWIDGETSIZE_MAX) {
+        // Its width would make the icon box as wide as the screen.
+        width = icon->sizeHint().width();
+        icon->setMaximumWidth(width);
+        qDebug() << "UserInterface - StatusBar - icon without a maximum width, given its preferred width" << width;
+    }
+    return width;
+}
+
+QPoint QTZStatusBar::logAnchor() const
+{
+    return QPoint(m_iconsWidth + 18 + x() - (m_compact ? 30 : 0), parentSize().height() - 43);
+}
+
+QSize QTZStatusBar::parentSize() const
+{
+    return parentWidget() ? parentWidget()->size() : size();
+}
