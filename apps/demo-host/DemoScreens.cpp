@@ -75,6 +75,18 @@ QWidget* notesScreen()
     return form;
 }
 
+// A module's settings for its drawer; the form's minimum width is the drawer's width.
+QLayout* spectrumSettings()
+{
+    QFrame* form = moduleForm(QSize(260, 120));
+    auto* rows = new QVBoxLayout(form);
+    for (const QString& line : {QStringLiteral("Span: 10 MHz"), QStringLiteral("RBW: 30 kHz"), QStringLiteral("Reference: 0 dBm")})
+        rows->addWidget(new QLabel(line, form));
+    auto* layout = new QVBoxLayout;
+    layout->addWidget(form);
+    return layout;
+}
+
 } // namespace
 
 DemoScreens::DemoScreens(DesktopImpl* desktop)
@@ -91,6 +103,9 @@ DemoScreens::DemoScreens(DesktopImpl* desktop)
         meter->setSnapsToGrid(true);
     if (auto* notes = qobject_cast<ContainerImpl*>(m_containers.value(3)))
         notes->enableState(QStringLiteral("Thumb"));
+    // The first spectrum keeps its settings in a drawer on its right.
+    if (auto* spectrum = qobject_cast<ContainerImpl*>(m_containers.value(1)))
+        spectrum->setDrawerLayout(spectrumSettings());
     addFullScreen();
 }
 

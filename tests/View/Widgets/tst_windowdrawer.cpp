@@ -7,6 +7,7 @@
 #include "RotatableLabel.h"
 #include "WindowDrawer.h"
 
+#include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <QtTest>
@@ -38,6 +39,7 @@ private slots:
     void cleanup();
     void closedDrawerShowsOnlyItsTab_data();
     void closedDrawerShowsOnlyItsTab();
+    void captionStaysInsideLowTab();
     void slidesOpenAndShut_data();
     void slidesOpenAndShut();
     void opensOverContainerWithoutRoomBesideIt_data();
@@ -99,6 +101,22 @@ void TestWindowDrawer::closedDrawerShowsOnlyItsTab()
     QCOMPARE(caption->text(), QStringLiteral("Configuration"));
     QCOMPARE(caption->degrees(), double(degrees));
     QCOMPARE(caption->fontSize(), 12);
+}
+
+void TestWindowDrawer::captionStaysInsideLowTab()
+{
+    m_container->resize(220, 130);
+    WindowDrawer drawer(m_desktop, m_container, WindowDrawer::Right, QStringLiteral("Configuration"));
+    drawer.show();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    auto* tab = drawer.findChild<QLabel*>(QStringLiteral("handle_type"));
+    auto* caption = drawer.findChild<RotatableLabel*>();
+    const QRect captionInTab(caption->mapTo(tab, QPoint(0, 0)), caption->size());
+    QVERIFY2(tab->rect().contains(captionInTab), qPrintable(QStringLiteral("%1 in %2").arg(captionInTab.bottom()).arg(tab->height())));
+    // Long enough for the whole title, rotated.
+    QFont painted = caption->font();
+    painted.setPixelSize(caption->fontSize());
+    QVERIFY(caption->height() >= QFontMetrics(painted).horizontalAdvance(caption->text()));
 }
 
 void TestWindowDrawer::slidesOpenAndShut_data()

@@ -160,10 +160,10 @@ WindowDrawer::WindowDrawer(QWidget* parent, ContainerImpl* container, DockPositi
     m_slideAnimation->setDuration(slideDuration);
     m_slideAnimation->setEasingCurve(QEasingCurve::OutQuart);
 
-    updateDrawerPosition(m_position);
     const QRect beside = containerRect();
     if (m_container)
         m_height = beside.height();
+    updateDrawerPosition(m_position);
     m_outerFrame->setGeometry(0, 0, contentsWidth() + m_handleWidth, m_height);
     QFrame::setGeometry(beside.x() + beside.width(), beside.y(), m_handleWidth, m_height);
     m_innerFrame->setMinimumHeight(m_height);
@@ -233,6 +233,7 @@ void WindowDrawer::setHeight(int height)
     resize(this->width(), m_height);
     m_innerFrame->setMinimumHeight(m_height);
     m_innerFrame->setMaximumHeight(m_height);
+    applyStyle();
 }
 
 void WindowDrawer::moveDrawer()
@@ -285,10 +286,7 @@ void WindowDrawer::updateDrawerPosition(const DockPosition_t& position)
     m_caption->setMinimumHeight(QFontMetrics(font).horizontalAdvance(m_caption->text()) + 8);
     m_caption->update();
 
-    if (position == Right)
-        setStyleSheet(m_screenMode ? m_rightScreenStyle : m_rightBesideStyle);
-    else
-        setStyleSheet(m_screenMode ? m_leftScreenStyle : m_leftBesideStyle);
+    applyStyle();
 }
 
 void WindowDrawer::updateGeometry(const DockPosition_t& position, const UpdateMode_t& mode)
@@ -514,6 +512,26 @@ void WindowDrawer::placeOuterFrame(const DockPosition_t& position, bool open)
     // out of its window to the left.
     const int x = position == Right && !open ? -contentsWidth() : 0;
     m_outerFrame->setGeometry(x, 0, contentsWidth() + m_handleWidth, m_height);
+}
+
+void WindowDrawer::applyStyle()
+{
+    QString sheet;
+    if (m_position == Right)
+        sheet = m_screenMode ? m_rightScreenStyle : m_rightBesideStyle;
+    else
+        sheet = m_screenMode ? m_leftScreenStyle : m_leftBesideStyle;
+
+    // On a low container the caption frame's minimum would push the caption out of the
+    // tab: the tab loses the frame's margins, the spacing under the caption and the
+    // caption frame's border.
+    const int captionRoom = qMax(0, m_height - 44);
+    const QString captionMinimum = m_screenMode ? QStringLiteral("min-height: 250px;") : QStringLiteral("min-height: 150px;");
+    const int styledMinimum = m_screenMode ? 250 : 150;
+    if (captionRoom < styledMinimum)
+        sheet.replace(captionMinimum, QStringLiteral("min-height: %1px;").arg(captionRoom));
+    if (sheet != styleSheet())
+        setStyleSheet(sheet);
 }
 
 bool WindowDrawer::slideRunning() const

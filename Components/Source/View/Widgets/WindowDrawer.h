@@ -116,6 +116,8 @@ private:
     // The x of the drawer on its current side, open or closed.
     int drawerX(bool open, bool atScreenEdge) const;
     void placeOuterFrame(const DockPosition_t& position, bool open);
+    // The look for the side and the mode, fitted to the drawer's height.
+    void applyStyle();
     bool slideRunning() const;
     void stopSlides();
 
