@@ -6,11 +6,11 @@
 #include <QDebug>
 #include <QEvent>
 #include <QFile>
+#include <QPlainTextEdit>
 #include <QPropertyAnimation>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextDocument>
-#include <QTextEdit>
 #include <QVBoxLayout>
 
 namespace {
@@ -45,7 +45,7 @@ MsgLogger::MsgLogger(QWidget* parent, const QPoint& anchor, const QString& objec
     : QFrame(parent)
     , m_anchor(anchor)
     , m_animation(new QPropertyAnimation(this, "geometry", this))
-    , m_text(new QTextEdit(this))
+    , m_text(new QPlainTextEdit(this))
 {
     setObjectName(objectName);
     m_animation->setDuration(250);
@@ -58,10 +58,10 @@ MsgLogger::MsgLogger(QWidget* parent, const QPoint& anchor, const QString& objec
     // overwritten line alive.
     m_text->setUndoRedoEnabled(false);
     m_text->viewport()->installEventFilter(this);
-    connect(m_text, &QTextEdit::copyAvailable, this, &MsgLogger::deselect);
+    connect(m_text, &QPlainTextEdit::copyAvailable, this, &MsgLogger::deselect);
 
-    m_overwrite = QTextCursor(m_text->document());
     m_format = m_text->currentCharFormat();
+    m_format.setForeground(QColor(Qt::black));
 
     setAlertStyle(false);
     closeAt(anchor);
@@ -71,48 +71,68 @@ void MsgLogger::addMessage(const QString& line, bool append)
 {
     const QString text = oneLine(line);
     QTextDocument* document = m_text->document();
+    QTextCursor cursor(document);
+    // Inside an edit block a cursor does not lay out the line it stands on (to know its x),
+    // so no line is laid out before it is painted.
+    cursor.beginEditBlock();
     if (m_lineCount == 0) {
-        m_overwrite.insertText(text, m_format);
-        m_overwrite.movePosition(QTextCursor::Start);
+        cursor.insertText(text, m_format);
         m_lineCount = 1;
     } else if (append && m_lineCount < MaximumLines) {
-        QTextCursor end(document);
-        end.movePosition(QTextCursor::End);
-        end.insertBlock();
-        end.insertText(text, m_format);
+        cursor.movePosition(QTextCursor::End);
+        cursor.insertBlock();
+        cursor.insertText(text, m_format);
         ++m_lineCount;
     } else {
-        // One edit of one block: the document re-lays out that line only.
-        m_overwrite.movePosition(QTextCursor::StartOfBlock);
-        m_overwrite.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
-        m_overwrite.insertText(text, m_format);
-        if (!m_overwrite.movePosition(QTextCursor::NextBlock))
-            m_overwrite.movePosition(QTextCursor::Start);
+        replaceLine(cursor, m_overwriteLine, text);
+        m_overwriteLine = (m_overwriteLine + 1) % m_lineCount;
     }
+    cursor.endEditBlock();
 
     if (m_logToFile)
         saveToFile(line);
 }
 
+void MsgLogger::replaceLine(QTextCursor& cursor, int number, const QString& text)
+{
+    const QTextBlock block = m_text->document()->findBlockByNumber(number);
+    const QChar separator(QChar::ParagraphSeparator);
+    // The edit takes in the separator to a neighbouring line: the layout then only forgets
+    // the lines it touches, where a change inside one line would lay it out at once.
+    if (block.next().isValid()) {
+        cursor.setPosition(block.position());
+        cursor.setPosition(block.next().position(), QTextCursor::KeepAnchor);
+        cursor.insertText(text + separator, m_format);
+    } else if (block.previous().isValid()) {
+        cursor.setPosition(block.position() - 1);
+        cursor.setPosition(block.position() + block.length() - 1, QTextCursor::KeepAnchor);
+        cursor.insertText(separator + text, m_format);
+    } else {
+        cursor.setPosition(block.position());
+        cursor.setPosition(block.position() + block.length() - 1, QTextCursor::KeepAnchor);
+        cursor.insertText(text, m_format);
+    }
+}
+
 void MsgLogger::setTextColor(const QColor& colour)
 {
     m_format.setForeground(colour);
-    m_text->setTextColor(colour);
 }
 
 void MsgLogger::setTextCursorStart()
 {
-    m_overwrite.movePosition(QTextCursor::Start);
+    m_overwriteLine = 0;
     clearSelection();
 }
 
 void MsgLogger::setAlertStyle(bool alert)
 {
     const QString border = alert ? QStringLiteral("#f00") : CSS::border();
-    // The selector is the panel's object name: "QFrame#QTZMsgLogger" or "QFrame#MsgLogger".
+    // The selector is the panel's object name: "QFrame#QTZMsgLogger" or "QFrame#MsgLogger";
+    // the text area's rule names its class, QPlainTextEdit.
     QString sheet = QStringLiteral("QFrame#") + objectName()
                     + QStringLiteral(" {    background-color: rgb(63,63,63);    border: 2px solid ") + border
-                    + QStringLiteral(";    border-radius: 18px;}QTextEdit {    background-color: rgb(153,153,153);"
+                    + QStringLiteral(";    border-radius: 18px;}QPlainTextEdit {    background-color: rgb(153,153,153);"
                                      "    border: 2px solid ")
                     + border + QStringLiteral(";    border-radius: 14px;");
     if (!alert)
@@ -159,6 +179,14 @@ QStringList MsgLogger::lines() const
     for (QTextBlock block = m_text->document()->begin(); block.isValid(); block = block.next())
         all << block.text();
     return all;
+}
+
+QColor MsgLogger::lineColour(int number) const
+{
+    const QTextBlock block = m_text->document()->findBlockByNumber(number);
+    if (!block.isValid() || number >= m_lineCount || block.begin().atEnd())
+        return QColor();
+    return block.begin().fragment().charFormat().foreground().color();
 }
 
 void MsgLogger::animate(bool showLog)

@@ -9,11 +9,11 @@
 #include <QString>
 #include <QStringList>
 #include <QTextCharFormat>
-#include <QTextCursor>
 
 class QEvent;
 class QPropertyAnimation;
-class QTextEdit;
+class QTextCursor;
+class QPlainTextEdit;
 
 /**
  * The message log panel of the status bar: slides up from an anchor point above the bar
@@ -23,6 +23,10 @@ class QTextEdit;
  * The status bar appends its first MaximumLines lines, then calls setTextCursorStart()
  * at every multiple of MaximumLines and adds the rest in overwrite mode; the log also
  * keeps to the ring on its own, so appending never grows it past MaximumLines.
+ *
+ * The text area is a read-only QPlainTextEdit: its layout handles a changed line on its
+ * own, where a QTextEdit lays out again every line below it, which at thousands of
+ * messages a second stalls the GUI thread.
  */
 class TZUICOMPONENTS_EXPORT MsgLogger : public QFrame
 {
@@ -61,6 +65,8 @@ public:
     /// The log's lines from the first to the last (in overwrite mode the newest line is
     /// the one before the overwrite position).
     QStringList lines() const;
+    /// The colour line \a number (from 0) is written in; invalid for an empty or missing line.
+    QColor lineColour(int number) const;
     QPoint anchor() const { return m_anchor; }
     QString outputFile() const { return m_outputFile; }
     bool isLoggingToFile() const { return m_logToFile; }
@@ -90,6 +96,7 @@ private slots:
 
 private:
     QRect closedGeometry() const;
+    void replaceLine(QTextCursor& cursor, int number, const QString& text);
     /// Cancels a selection in the text: the log cannot be selected or copied.
     void clearSelection();
 
@@ -99,12 +106,12 @@ private:
     // Set after a failed write, so a full disk is reported once and not for every line.
     bool m_writeFailureReported = false;
     QPropertyAnimation* m_animation;
-    QTextEdit* m_text;
+    QPlainTextEdit* m_text;
     QTextCharFormat m_format;
     int m_lineCount = 0;
-    // Where the next line is written in overwrite mode; kept apart from the text area's
-    // own cursor, so neither a selection nor a scroll moves it.
-    QTextCursor m_overwrite;
+    // The line the next message overwrites; apart from the text area's own cursor, so
+    // neither a selection nor a scroll moves it.
+    int m_overwriteLine = 0;
 };
 
 #endif
