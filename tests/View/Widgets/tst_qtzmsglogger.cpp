@@ -7,6 +7,7 @@
 #include "EventMessageFormat.h"
 #include "MsgLogger.h"
 #include "QTZMsgLogger.h"
+#include "VerticalScrollBarImpl.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -242,6 +243,11 @@ void TestQTZMsgLogger::opensAboveAnchorAndCloses()
     log.setMinimumWidth(300);
     log.resize(300, 0);
     QCOMPARE(log.geometry(), QRect(40, 542, 300, 0));
+    m_screen->show();
+    addLikeStatusBar(log, 200);
+    auto* scrollBar = qobject_cast<Lumaro::gui::VerticalScrollBarImpl*>(
+        log.findChild<QPlainTextEdit*>()->verticalScrollBar());
+    QVERIFY(scrollBar);
 
     QSignalSpy finished(&log, &MsgLogger::finished);
     log.animate(true);
@@ -251,6 +257,9 @@ void TestQTZMsgLogger::opensAboveAnchorAndCloses()
     }
     QCOMPARE(finished.count(), 1);
     QCOMPARE(log.geometry(), QRect(40, 42, 300, 500));
+    // Open, the log shows its end.
+    QVERIFY(scrollBar->maximum() > 0);
+    QCOMPARE(scrollBar->value(), scrollBar->maximum());
 
     log.animate(false);
     if (animated)

@@ -2,6 +2,7 @@
 
 #include "ApplicationOptions.h"
 #include "CSS.h"
+#include "VerticalScrollBarImpl.h"
 
 #include <QDebug>
 #include <QEvent>
@@ -54,6 +55,7 @@ MsgLogger::MsgLogger(QWidget* parent, const QPoint& anchor, const QString& objec
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_text);
     m_text->setReadOnly(true);
+    m_text->setVerticalScrollBar(new Lumaro::gui::VerticalScrollBarImpl(m_text));
     // The log is a record, not an editor: an undo stack would only keep every
     // overwritten line alive.
     m_text->setUndoRedoEnabled(false);
