@@ -17,7 +17,9 @@
 
 #include <OrvanthTopicsPubSubTypes.h>
 
+#include <QImage>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTimer>
 #include <QtTest>
 
@@ -40,6 +42,7 @@ private slots:
     void alertsWhileEmptyUntilClosedOrRecovered();
     void alertShowsReading_data();
     void alertShowsReading();
+    void picturesAreInResources();
     void followsSimulatedBatteryCycle();
     void logsBadReadingsFromEngine();
 
@@ -213,6 +216,19 @@ void TestQTZBatteryStatus::alertShowsReading()
     QCOMPARE(bool(alert->windowState() & Qt::WindowFullScreen), current);
     alert->disableBatteryAlert();
     QVERIFY(!alert->isVisibleTo(&m_mainWindow));
+}
+
+void TestQTZBatteryStatus::picturesAreInResources()
+{
+    QTZBatteryStatus indicator;
+    const QString sheets = indicator.styleSheet() + indicator.lowBatteryAlert()->styleSheet();
+    const QRegularExpression url(QStringLiteral("url\\((:/images/[^)]+)\\)"));
+    int pictures = 0;
+    for (QRegularExpressionMatchIterator it = url.globalMatch(sheets); it.hasNext(); ++pictures) {
+        const QString path = it.next().captured(1);
+        QVERIFY2(!QImage(path).isNull(), qPrintable(path));
+    }
+    QCOMPARE(pictures, 11);
 }
 
 void TestQTZBatteryStatus::followsSimulatedBatteryCycle()
