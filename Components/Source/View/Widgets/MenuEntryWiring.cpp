@@ -1,0 +1,68 @@
+#include "MenuEntryWiring.h"
+
+#include "ApplicationOptions.h"
+#include "ContainerBase.h"
+#include "GlobalImpl.h"
+#include "MenuBar.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QPushButton>
+
+namespace MenuEntryWiring {
+
+bool opensFullScreen(const QObject* screen)
+{
+    if (ApplicationOptions::isHandheld())
+        return true;
+    return screen && screen->inherits("FSContainer") && ApplicationOptions::isPortraitResolution();
+}
+
+void showOnClick(QPushButton* entry, QWidget* screen, bool raise)
+{
+    if (!entry || !screen)
+        return;
+    // By name on purpose: containers redeclare show() and raise() as slots of their own
+    // (a full-screen container announces its size before it shows), which only the
+    // meta-object call reaches through a plain widget pointer.
+    QObject::connect(entry, SIGNAL(clicked()), screen, SLOT(show()));
+    if (raise)
+        QObject::connect(entry, SIGNAL(clicked()), screen, SLOT(raise()));
+}
+
+void followScreenSize(QPushButton* entry, QWidget* screen)
+{
+    auto* container = qobject_cast<ContainerBase*>(screen);
+    if (!entry || !container)
+        return;
+    QObject::connect(container, &ContainerBase::changeSize, entry,
+                     [entry](const QString& size) { entry->setProperty("screenSize", size); });
+}
+
+void connectReceiver(QPushButton* entry, QObject* receiver, const QString& slot)
+{
+    if (!entry || !receiver || slot.isEmpty())
+        return;
+    const QByteArray method = slot.toLatin1();
+    if (!QObject::connect(entry, SIGNAL(clicked()), receiver, method.constData()))
+        qDebug() << "UserInterface - Menu entry slot not connected:" << entry->text() << slot;
+}
+
+void closeNavigationBar()
+{
+    GlobalImpl* registry = GlobalImpl::existingInstance();
+    MenuBar* menuBar = registry ? registry->topNavMenu() : nullptr;
+    if (menuBar && menuBar->isOpen)
+        menuBar->toggle();
+}
+
+QString entryText(const char* context, const QString& label, int instNum)
+{
+    const bool latin1 = QString::fromLatin1(label.toLatin1()) == label;
+    QString text = latin1 ? QCoreApplication::translate(context, label.toUtf8().constData()) : label;
+    if (instNum > 1)
+        text += QLatin1Char(' ') + QString::number(instNum);
+    return text;
+}
+
+} // namespace MenuEntryWiring

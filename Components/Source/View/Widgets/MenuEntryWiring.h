@@ -1,0 +1,39 @@
+#ifndef MENUENTRYWIRING_H
+#define MENUENTRYWIRING_H
+
+#include <QString>
+
+class QObject;
+class QPushButton;
+class QWidget;
+
+// How the entries of the navigation bar and its pop-ups reach the screens they open.
+// Internal to the library.
+namespace MenuEntryWiring {
+
+/// Whether opening \a screen takes the whole display, so that the bar has to close: a
+/// full-screen container on the portrait screen, or any screen on a handheld.
+bool opensFullScreen(const QObject* screen);
+
+/// A tap on \a entry shows \a screen (and raises it when \a raise is set).
+void showOnClick(QPushButton* entry, QWidget* screen, bool raise);
+
+/// \a entry's dynamic property "screenSize" follows the size state that \a screen
+/// announces ("Min", "Max", "Thumb"), for style sheets and for whoever watches the
+/// entry. Screens that are no container announce nothing.
+void followScreenSize(QPushButton* entry, QWidget* screen);
+
+/// Connects \a entry's clicked() to \a slot (a slot signature as SLOT() gives it) of
+/// \a receiver; logs a slot that \a receiver does not have.
+void connectReceiver(QPushButton* entry, QObject* receiver, const QString& slot);
+
+/// Closes the registry's navigation bar when it is open.
+void closeNavigationBar();
+
+/// The text an entry shows for \a label: translated in \a context unless the label
+/// is not Latin-1 (then as it is), with " " and \a instNum after it when above 1.
+QString entryText(const char* context, const QString& label, int instNum);
+
+} // namespace MenuEntryWiring
+
+#endif
