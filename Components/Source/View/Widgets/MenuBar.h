@@ -1,29 +1,49 @@
 #ifndef MENUBAR_H
 #define MENUBAR_H
 
+#include "ScreenMap.h"
 #include "tzuicomponents_export.h"
 
 #include <QFrame>
 #include <QFutureWatcher>
+#include <QHash>
+#include <QList>
+#include <QPointer>
 #include <QPropertyAnimation>
+#include <QSet>
 #include <QRect>
 #include <QSizePolicy>
+#include <QString>
 
 #include <functional>
 #include <optional>
 
+class MenuItem;
 class QBoxLayout;
+class QDomDocument;
+class QPushButton;
 class QScrollArea;
 class QScrollBar;
 class QShowEvent;
 class QTimer;
 class ScrollButton;
 class ScrollableMenuBarFrame;
+class SubMenu;
+class SubMenuItem;
+class SubSubMenu;
 
 /**
  * The navigation bar of the touch desktop: a strip that slides out from the top (or the
  * left) edge of its parent, carries one button per menu in a row that pages and drags
  * when it is longer than the bar, and hides itself after a time-out that the engines set.
+ *
+ * The host fills it screen by screen with addMenuItem(). The first entry of a menu is a
+ * bar button that opens its screen; from the second on the bar button opens a sub-menu
+ * of the entries, and a sub-menu name with several entries (in a menu of more than one
+ * name) gets a second-level pop-up. Entries go when their button is deleted (a button
+ * goes with its screen) or through removeMenuItem(); the menus collapse again as they
+ * shrink. Every entry keeps the key (menu, sub-menu, label as shown, 1) under which the
+ * host hides, shows or removes it, whatever button it has become meanwhile.
  */
 class TZUICOMPONENTS_EXPORT MenuBar : public QFrame
 {
@@ -58,6 +78,39 @@ public:
     void addItem(QWidget* item);
 
     void setTimeoutSource(TimeoutSource source);
+
+    /**
+     * Adds an entry that shows \a screen under \a menu and \a subMenu, labelled
+     * \a label (translated, followed by \a instNum when above 1), and returns the
+     * button made for it; null when the entry is refused (no menu name, no screen, an
+     * entry of that key or for that screen already there), which is logged.
+     * \a priority orders the bar buttons (higher first), \a position the entries of a
+     * sub-menu. \a receiver and \a slot (a SLOT() signature) are not connected to the
+     * returned button; the bar connects them to the buttons it makes for the entry when
+     * it regroups.
+     */
+    QPushButton* addMenuItem(const QString& menu, const QString& subMenu, const QString& label, QFrame* screen,
+                             int position, int priority, QObject* receiver, const QString& slot, int instNum);
+    /// Menus are built entry by entry; a menu description is not read.
+    void addMenu(QDomDocument* description);
+    /// Shows the entry of key (\a menu, \a subMenu, \a label, \a n) again, with the
+    /// group and holder buttons it needs; its screen stays as it is.
+    void enableScreen(const QString& menu, const QString& subMenu, const QString& label, int n);
+    /// Hides the entry of that key, and its screen when shown; group and holder buttons
+    /// with nothing left to show hide too.
+    void disableScreen(const QString& menu, const QString& subMenu, const QString& label, int n);
+    /// Removes the entry of that key now and deletes its button later; false (and a log
+    /// line) when there is none.
+    bool removeMenuItem(const QString& menu, const QString& subMenu, const QString& label, int n = 1);
+    /// The button that the entry of that key has now, or null.
+    QPushButton* menuEntry(const QString& menu, const QString& subMenu, const QString& label, int n = 1) const;
+    /// The bar button of \a menu (its entry, or its group button), or null.
+    MenuItem* menuButton(const QString& menu) const;
+    /// Makes \a screen the one that \a button's entry shows and hides.
+    void updateButtonsToContainers(QPushButton* button, QWidget* screen);
+    QHash<QString, SubMenu*> getSubMenus() const;
+    /// Keyed by menu name, "|", sub-menu name.
+    QHash<QString, SubSubMenu*> getSubSubMenus() const;
     /// Milliseconds until the bar hides itself, or -1 when no hiding is due.
     int remainingHideTime() const;
 
@@ -67,6 +120,7 @@ public:
 public slots:
     /// Slides the bar in or out; isOpen flips and toggled() is emitted as the move starts.
     void toggle();
+    void closeAllSubMenus();
     /// (Re)starts the auto-hide timer with the engines' time-out. The remote read runs
     /// off the GUI thread; its answer is applied here when it comes, unless a newer
     /// call has come meanwhile.
@@ -87,6 +141,11 @@ private slots:
     void movePos();
     void checkNavArrows();
     void timeIsUp();
+    void closeOtherSubMenus(SubMenu* sub);
+    void menuItemDeleted(QObject* menuItem);
+    void subSubMenuItemDeleted(QObject* menuItem);
+    void screenDestroyed(QObject* screen);
+    void settleMenus();
 
 private:
     void scrollTo(const QPoint& target);
@@ -94,9 +153,43 @@ private:
     void timeoutRead();
     void applyTimeout(std::optional<int> seconds);
 
+    // Entry bookkeeping, see MenuBar.cpp.
+    MenuItem* newBarButton(const QString& menu, const QString& label, QFrame* screen, int position, int priority,
+                           QObject* receiver, const QString& slot);
+    void putInRow(MenuItem* button, int index);
+    int rowIndex(const QObject* widget) const;
+    void takeFromRow(const QObject* widget);
+    void groupMenu(const QString& menu);
+    void ungroupMenu(const QString& menu);
+    void arrangeSubMenuNames(const QString& menu);
+    void nestSubMenuName(const QString& menu, const QString& subMenu);
+    void flattenSubMenuName(const QString& menu, const QString& subMenu);
+    SubMenuItem* newSubMenuEntry(SubMenu* sub, const QString& subMenu, const QString& label, QFrame* screen,
+                                 int position, QObject* receiver, const QString& slot, int instNum);
+    void recordEntry(QPushButton* entry, const QString& menu, const QString& subMenu, QWidget* screen);
+    void passEntryOn(QPushButton* from, QPushButton* to, QObject* receiver, const QString& slot);
+    void entryGone(QObject* entry, bool settleNow);
+    void forgetEntry(QObject* entry);
+    bool dropEntriesWithoutScreen(const QString& menu);
+    void settleMenu(const QString& menu);
+    void clearMenu(const QString& menu);
+    void refreshMenuVisibility(const QString& menu);
+    QList<QPushButton*> entriesOf(const QString& menu) const;
+    static QString nestKey(const QString& menu, const QString& subMenu);
+
     Qt::AlignmentFlag location;
     QRect openGeometry;
     QRect closedGeometry;
+    QHash<QString, int> menuCount;
+    QHash<QString, QHash<QString, int>> subMenuCount;
+    QHash<QString, QPointer<MenuItem>> menuButtons;
+    QHash<QString, QPointer<SubMenu>> subMenus;
+    QHash<QString, QPointer<SubSubMenu>> subSubMenus;
+    // Keyed by the entry as a QObject: destroyed() reports no more than that.
+    QHash<QObject*, QString> itemMenuName;
+    QHash<QObject*, QString> itemSubMenuName;
+    QHash<QObject*, QPointer<QWidget>> buttonScreens;
+    ScreenMap screenMap;
     QPropertyAnimation geometryAnimation;
     QPropertyAnimation scrollAnimation;
     QScrollBar* scrollBar = nullptr;
@@ -113,6 +206,12 @@ private:
     QFutureWatcher<std::optional<int>>* timeoutWatcher = nullptr;
     bool timeoutReadRunning = false;
     bool timeoutReadStale = false;
+
+    // The entry that shows each screen, to refuse a second one.
+    QHash<const QObject*, QObject*> screenEntries;
+    // Menus that lost entries and still have to take their new shape.
+    QSet<QString> unsettledMenus;
+    QList<QString> groupedMenus;
 };
 
 #endif
