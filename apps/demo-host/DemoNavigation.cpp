@@ -1,21 +1,50 @@
 #include "DemoNavigation.h"
 
+#include "ContainerImpl.h"
 #include "DesktopImpl.h"
+#include "DesktopManagerImpl.h"
 #include "GlobalImpl.h"
 #include "MenuBar.h"
 #include "NamingServiceImpl.h"
 
 #include <QDebug>
+#include <QLabel>
 #include <QThreadPool>
+#include <QVBoxLayout>
 #include <QtConcurrent>
 
+namespace {
+
+// Where each of the demo's screens goes in the bar: menu, sub-menu and the menu's
+// priority (higher menus first).
+struct Category
+{
+    const char* menu;
+    const char* subMenu;
+    int priority;
+};
+
+Category categoryOf(const QString& screen)
+{
+    if (screen == QLatin1String("Power Meter"))
+        return {"Meters", "", 5};
+    if (screen.startsWith(QLatin1String("Spectrum")))
+        return {"Analyzers", "Spectrum", 9};
+    if (screen == QLatin1String("System Overview"))
+        return {"System", "", 1};
+    return {"Applications", "Tools", 3};
+}
+
+const char* const moduleMenu = "Applications";
+const char* const moduleSubMenu = "Engine modules";
+
+} // namespace
+
 DemoNavigation::DemoNavigation(DesktopImpl* desktop)
-    : m_menuBar(new MenuBar(desktop, Qt::AlignTop))
+    : m_desktop(desktop)
+    , m_menuBar(new MenuBar(desktop, Qt::AlignTop))
     , m_discovery(std::make_unique<NamingServiceImpl>())
 {
-    m_menuBar->setStyleSheet(m_menuBar->styleSheet()
-                             + QStringLiteral("QPushButton#ScreenButton, QPushButton#ModuleButton { color: white; "
-                                              "background-color: rgb(40,40,40); border: 1px solid gray; }"));
     GlobalImpl* registry = GlobalImpl::getInstance();
     registry->setTopNavMenu(m_menuBar.data());
     registry->setNamingService(m_discovery.get());
@@ -45,45 +74,53 @@ DemoNavigation::~DemoNavigation()
     // Engine reads of the bar and discovery's own work run on the pool and use discovery.
     m_startUp.waitForFinished();
     delete m_menuBar;
+    for (const QPointer<ContainerBase>& module : qAsConst(m_modules))
+        delete module.data();
     QThreadPool::globalInstance()->waitForDone();
-}
-
-QPushButton* DemoNavigation::addButton(const QString& text, const QString& objectName)
-{
-    auto* button = new QPushButton(text);
-    button->setObjectName(objectName);
-    button->setFocusPolicy(Qt::NoFocus);
-    m_menuBar->addItem(button);
-    connect(button, &QPushButton::clicked, m_menuBar.data(), &MenuBar::startTimer);
-    return button;
 }
 
 void DemoNavigation::addScreenButton(const QString& name)
 {
-    QPushButton* button = addButton(name, QStringLiteral("ScreenButton"));
-    connect(button, &QPushButton::clicked, this, [this, name] {
-        if (QWidget* screen = GlobalImpl::getInstance()->getScreen(name)) {
-            screen->show();
-            screen->raise();
-        }
-        if (m_menuBar->isOpen)
-            m_menuBar->toggle();
-    });
+    // An unregistered name gives no screen: the bar refuses the entry and says so.
+    auto* screen = qobject_cast<QFrame*>(GlobalImpl::getInstance()->getScreen(name));
+    const Category category = categoryOf(name);
+    m_menuBar->addMenuItem(QLatin1String(category.menu), QLatin1String(category.subMenu), name, screen, 0,
+                           category.priority, nullptr, QString(), 0);
 }
 
 void DemoNavigation::addModuleButton(const QString& index)
 {
-    if (m_moduleButtons.value(index))
+    if (m_modules.value(index))
         return;
-    m_moduleButtons.insert(index, addButton(tr("Module %1").arg(index), QStringLiteral("ModuleButton")));
+    const QString title = tr("Module %1").arg(index);
+    auto* screen = new ContainerImpl(m_desktop);
+    screen->setWindowTitle(title);
+    auto* layout = new QVBoxLayout;
+    auto* text = new QLabel(tr("Engine GUI module %1, announced by module discovery.").arg(index));
+    text->setStyleSheet(QStringLiteral("color: white;"));
+    text->setWordWrap(true);
+    layout->addWidget(text);
+    screen->setLayout(layout);
+    screen->init();
+    GlobalImpl* registry = GlobalImpl::getInstance();
+    registry->addScreen(title, screen);
+    if (DesktopManagerImpl* manager = registry->desktopManager())
+        manager->registerModule(screen);
+    screen->hide();
+    m_modules.insert(index, screen);
+
+    m_menuBar->addMenuItem(QLatin1String(moduleMenu), QLatin1String(moduleSubMenu), title, screen,
+                           0, 3, nullptr, QString(), 0);
     qDebug() << "UserInterface - Demo host - engine module in the navigation bar:" << index;
 }
 
 void DemoNavigation::removeModuleButton(const QString& index)
 {
-    const QPointer<QPushButton> button = m_moduleButtons.take(index);
-    if (!button)
+    const QPointer<ContainerBase> screen = m_modules.take(index);
+    if (!screen)
         return;
-    delete button.data();
+    // The module's entry goes with its screen; the bar regroups what is left.
+    GlobalImpl::getInstance()->removeScreen(tr("Module %1").arg(index));
+    delete screen.data();
     qDebug() << "UserInterface - Demo host - engine module left the navigation bar:" << index;
 }

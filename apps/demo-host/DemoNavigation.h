@@ -7,17 +7,18 @@
 #include <QHash>
 #include <QObject>
 #include <QPointer>
-#include <QPushButton>
 
 #include <memory>
 
+class ContainerBase;
 class DesktopImpl;
 class NamingServiceImpl;
 
 /**
  * The demo's navigation bar and module discovery: the bar slides out from the top of the
- * desktop with one button per registered screen, and one per engine module that
- * discovery finds, added and removed as the engines come and go.
+ * desktop with the registered screens under a few categories, and one entry per engine
+ * module that discovery finds, each with a small screen of its own, added and removed
+ * as the engines come and go.
  */
 class DemoNavigation : public QObject
 {
@@ -28,21 +29,22 @@ public:
     ~DemoNavigation() override;
 
     MenuBar* menuBar() const { return m_menuBar; }
-    /// Buttons of the engine modules, by module index.
-    QStringList moduleButtons() const { return m_moduleButtons.keys(); }
+    /// The engine modules in the bar, by module index.
+    QStringList moduleButtons() const { return m_modules.keys(); }
 
-    /// Adds a button that shows the registered screen \a name.
+    /// Adds an entry that shows the registered screen \a name, under its category.
     void addScreenButton(const QString& name);
 
 private:
     void addModuleButton(const QString& index);
     void removeModuleButton(const QString& index);
-    QPushButton* addButton(const QString& text, const QString& objectName);
 
+    DesktopImpl* m_desktop;
     QPointer<MenuBar> m_menuBar;
     std::unique_ptr<NamingServiceImpl> m_discovery;
     QFutureWatcher<void> m_startUp;
-    QHash<QString, QPointer<QPushButton>> m_moduleButtons;
+    // The screen of each engine module; its entry goes with it.
+    QHash<QString, QPointer<ContainerBase>> m_modules;
 };
 
 #endif

@@ -1,0 +1,153 @@
+// Cost of building the navigation bar screen by screen: 50, 500 and 5000 screens are
+// added with addMenuItem to a bar on a shown benchtop desktop, spread over the sixteen
+// categories of the tile icons with eight sub-menu names each (bar buttons, groups and
+// nested groups, with the regrouping they cause), and, as the unfavourable case, all in
+// one flat sub-menu. Each build includes the event processing it leaves behind (the
+// replaced buttons deleted, the row laid out and painted); the screens exist before the
+// clocks start. Both the elapsed time and the CPU time of the GUI thread are given: on a
+// busy machine the second is the steadier figure. Runs on the offscreen platform unless
+// QT_QPA_PLATFORM says otherwise.
+//
+//   tz-bench-menubuilding [repetitions]     (default 3; the build of median CPU time is reported)
+
+#include "ContainerBase.h"
+#include "GlobalImpl.h"
+#include "MenuBar.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QStringList>
+#include <QVector>
+#include <QWidget>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <ctime>
+
+namespace {
+
+const QStringList categories{"Meters",       "Analyzers",     "Receivers",           "Generators",
+                             "Utilities",    "System",        "Self Test",           "Scripting",
+                             "RF Generators", "Ext. Power Supplies", "DMM",         "Digital Data Gen.",
+                             "Calibrations", "Audio",         "Applications",        "Help"};
+
+enum class Shape { Categories, OneMenu };
+
+// CPU time of the calling thread, in milliseconds.
+double threadCpuMilliseconds()
+{
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return now.tv_sec * 1e3 + now.tv_nsec / 1e6;
+}
+
+void processEverything()
+{
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCoreApplication::processEvents();
+}
+
+struct Build
+{
+    double cpuMilliseconds = 0;
+    double buildMilliseconds = 0;
+    double teardownMilliseconds = 0;
+    int barButtons = 0;
+    int subMenus = 0;
+    int subSubMenus = 0;
+};
+
+Build buildOnce(int screens, Shape shape)
+{
+    QWidget desktop;
+    desktop.resize(1280, 800);
+    auto* bar = new MenuBar(&desktop, Qt::AlignTop);
+    GlobalImpl::getInstance()->setTopNavMenu(bar);
+    QVector<ContainerBase*> frames;
+    frames.reserve(screens);
+    for (int index = 0; index < screens; ++index) {
+        auto* screen = new ContainerBase(&desktop);
+        screen->hide();
+        frames.append(screen);
+    }
+    desktop.show();
+    QCoreApplication::processEvents();
+
+    QElapsedTimer timer;
+    timer.start();
+    const double cpuStart = threadCpuMilliseconds();
+    for (int index = 0; index < screens; ++index) {
+        const bool spread = shape == Shape::Categories;
+        const QString menu = spread ? categories[index % categories.size()] : QStringLiteral("Applications");
+        const QString subMenu = spread ? QStringLiteral("Group %1").arg((index / categories.size()) % 8) : QString();
+        bar->addMenuItem(menu, subMenu, QStringLiteral("Screen %1").arg(index), frames[index], index % 4, index % 3,
+                         nullptr, QString(), 0);
+    }
+    processEverything();
+    Build build;
+    build.buildMilliseconds = timer.nsecsElapsed() / 1e6;
+    build.cpuMilliseconds = threadCpuMilliseconds() - cpuStart;
+    build.subMenus = bar->getSubMenus().size();
+    build.subSubMenus = bar->getSubSubMenus().size();
+    for (const QString& menu : categories)
+        build.barButtons += bar->menuButton(menu) ? 1 : 0;
+
+    // Every screen goes, and with it its entry; the menus collapse as they empty.
+    timer.restart();
+    qDeleteAll(frames);
+    processEverything();
+    build.teardownMilliseconds = timer.nsecsElapsed() / 1e6;
+    GlobalImpl::getInstance()->setTopNavMenu(nullptr);
+    return build;
+}
+
+void run(Shape shape, int repetitions)
+{
+    std::printf("\n%s\n", shape == Shape::Categories ? "16 categories x 8 sub-menu names" : "one flat sub-menu");
+    std::printf("  %7s | %9s %9s %11s | %7s %12s | %4s %4s %5s | %8s\n", "screens", "cpu", "elapsed", "cpu/screen",
+                "growth", "n log n says", "bar", "subs", "nests", "teardown");
+    double previous = 0;
+    int previousScreens = 0;
+    for (int screens : {50, 500, 5000}) {
+        QVector<Build> builds;
+        for (int r = 0; r < repetitions; ++r)
+            builds.append(buildOnce(screens, shape));
+        std::sort(builds.begin(), builds.end(),
+                  [](const Build& a, const Build& b) { return a.cpuMilliseconds < b.cpuMilliseconds; });
+        const Build& median = builds[builds.size() / 2];
+        QString growth = QStringLiteral("-");
+        QString expected = QStringLiteral("-");
+        if (previousScreens > 0) {
+            growth = QString::number(median.cpuMilliseconds / previous, 'f', 1) + QLatin1Char('x');
+            const double nlogn =
+                (screens * std::log(double(screens))) / (previousScreens * std::log(double(previousScreens)));
+            expected = QString::number(nlogn, 'f', 1) + QLatin1Char('x');
+        }
+        std::printf("  %7d | %6.1f ms %6.1f ms %8.1f us | %7s %12s | %4d %4d %5d | %5.1f ms\n", screens,
+                    median.cpuMilliseconds, median.buildMilliseconds, median.cpuMilliseconds * 1000 / screens,
+                    qPrintable(growth), qPrintable(expected), median.barButtons, median.subMenus,
+                    median.subSubMenus, median.teardownMilliseconds);
+        previous = median.cpuMilliseconds;
+        previousScreens = screens;
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    application.setProperty("-systype", QStringLiteral("benchtop"));
+    const int repetitions = argc > 1 ? std::max(1, QByteArray(argv[1]).toInt()) : 3;
+    GlobalImpl::getInstance();
+
+    std::printf("building the navigation bar on a 1280x800 benchtop desktop, median of %d builds", repetitions);
+    run(Shape::Categories, repetitions);
+    run(Shape::OneMenu, repetitions);
+    std::printf("\n");
+    return 0;
+}
