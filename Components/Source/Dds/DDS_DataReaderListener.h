@@ -54,9 +54,10 @@ public:
     }
 
     /**
-     * Hands one taken sample on: a valid one to the callback once setup is done, an
-     * invalid one only reported by its instance state. Throws Runtime_errors::Generic for
-     * an instance state that explains neither.
+     * Hands one taken sample on: a valid one to the subscriber, which calls the callback
+     * with it now or, while its setup is still running, as that setup ends; an invalid one
+     * is only reported by its instance state. Throws Runtime_errors::Generic for an
+     * instance state that explains neither. Never waits for the setup.
      */
     void deliver(const Sample& sample, const eprosima::fastdds::dds::SampleInfo& info)
     {
@@ -65,7 +66,6 @@ public:
         if (!subscriber)
             return;
         if (info.valid_data) {
-            subscriber->waitForInitDone();
             subscriber->deliverValue(sample);
             return;
         }

@@ -30,7 +30,9 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <iostream>
 #include <memory>
 #include <mutex>
@@ -46,8 +48,9 @@ namespace Orvanth {
  * signature \c F with the topic name and each payload, on a DDS delivery thread.
  *
  * The DDS entities are created on a short-lived setup thread, so construction never
- * blocks; no sample reaches the callback before that setup is done. A failed setup is
- * reported on standard error and the subscription then delivers nothing.
+ * blocks; no sample reaches the callback before that setup is done: those that come
+ * earlier are kept and handed on, in order, by the setup thread as it ends. A failed
+ * setup is reported on standard error and the subscription then delivers nothing.
  *
  * With a minimum separation, at most one sample per separation reaches the callback:
  * the first at once, the latest of those that came within the separation when it ends,
@@ -98,6 +101,11 @@ protected:
         boost::lock_guard<boost::mutex> lock(SerializeSubscriberDestructionMutex);
         stopDelivery();
         waitForInitDone();
+        // The setup thread sets the flag inside its finishing step, which holds the
+        // delivery mutex to its end: once we have had the mutex, that thread is done with us.
+        {
+            const std::lock_guard<std::mutex> setupFinished(m_deliveryMutex);
+        }
         eprosima::fastdds::dds::DomainParticipant* participant = DdsBase().participant;
         // A null participant here means DDS was shut down, which deleted our entities too.
         if (participant && m_subscriber)
@@ -162,8 +170,29 @@ public:
         boost::this_thread::at_thread_exit(boost::bind(&DDS_SubscriberBase::FinishedInitSubBase, self));
     }
 
-    /// Marks the setup as done; the setup thread's last action after a successful setup.
-    void FinishedInitSubBase() { m_initDone.store(true); }
+    /**
+     * Marks the setup as done and hands on, in arrival order, the samples that came
+     * before; the setup thread's last action after a successful setup.
+     *
+     * A notification must not wait for the setup: Fast DDS calls the listener with the
+     * reader's lock held, and the setup thread, still inside create_datareader, may need
+     * that lock, which stalled both threads for good. So a sample that comes early is only
+     * kept, and handed on here. Samples that come while this step runs a callback are
+     * kept behind the others; only once none is left do notifications hand on directly.
+     */
+    void FinishedInitSubBase()
+    {
+        std::unique_lock<std::mutex> lock(m_deliveryMutex);
+        m_initDone.store(true);
+        while (!m_earlySamples.empty() && !m_stopping) {
+            const Sample sample = std::move(m_earlySamples.front());
+            m_earlySamples.pop_front();
+            // No DDS layer to catch for us on this thread either.
+            logCallbackFailure([&] { passOn(lock, sample); });
+        }
+        m_earlySamples.clear();
+        m_passingOn = true;
+    }
 
     /// Returns once the setup has ended: done, or failed (then nothing will be delivered).
     void waitForInitDone() const
@@ -212,13 +241,44 @@ protected:
         return true;
     }
 
-    /// Hands one valid sample's value to the callback, or holds it back when it comes
-    /// within the minimum separation after the last delivery.
+    /// Hands one valid sample's value to the callback, keeps it for the end of the setup
+    /// when that is still running, or holds it back when it comes within the minimum
+    /// separation after the last delivery. Never waits for the setup.
     void deliverValue(const Sample& sample)
     {
         std::unique_lock<std::mutex> lock(m_deliveryMutex);
         if (m_stopping)
             return;
+        if (!m_passingOn) {
+            keepEarly(sample);
+            return;
+        }
+        passOn(lock, sample);
+    }
+
+private:
+    /// At most this many samples are kept for the end of the setup; the reader exists
+    /// only a moment before it ends, so more means a setup that stalls.
+    static constexpr std::size_t MaxEarlySamples = 10000;
+
+    /// Keeps \a sample for the end of the setup; called with the delivery mutex held.
+    void keepEarly(const Sample& sample)
+    {
+        if (m_earlySamples.size() == MaxEarlySamples) {
+            if (!m_earlySamplesDropped)
+                std::cerr << DDS_DataReaderListener<T>::signature() << " more than " << MaxEarlySamples
+                          << " samples on topic \"" << m_topicName
+                          << "\" before the setup ended: the oldest are dropped" << std::endl;
+            m_earlySamplesDropped = true;
+            m_earlySamples.pop_front();
+        }
+        m_earlySamples.push_back(sample);
+    }
+
+    /// Calls back with \a sample, or holds it back within the minimum separation;
+    /// called with the delivery mutex held by \a lock, once setup is done.
+    void passOn(std::unique_lock<std::mutex>& lock, const Sample& sample)
+    {
         if (m_separation.count() > 0) {
             const auto now = std::chrono::steady_clock::now();
             if (m_delivered && now - m_lastDelivery < m_separation) {
@@ -233,7 +293,6 @@ protected:
         callBack(lock, sample);
     }
 
-private:
     static void runSetup(DDS_Subscriber<T>* self, long seconds, unsigned long nanoseconds,
                          eprosima::fastdds::dds::DurabilityQosPolicyKind durability)
     {
@@ -291,15 +350,22 @@ private:
             const Sample sample = std::move(*m_heldBack);
             m_heldBack.reset();
             m_lastDelivery = std::chrono::steady_clock::now();
-            // No DDS layer to catch for us here: what the callback throws ends here, logged.
-            try {
-                callBack(lock, sample);
-            } catch (const std::exception& e) {
-                std::cerr << DDS_DataReaderListener<T>::signature() << " " << e.what() << std::endl;
-            } catch (...) {
-                std::cerr << DDS_DataReaderListener<T>::signature() << " unknown exception from the callback"
-                          << std::endl;
-            }
+            // No DDS layer to catch for us here.
+            logCallbackFailure([&] { callBack(lock, sample); });
+        }
+    }
+
+    /// Runs \a step, which calls back; what the callback throws ends here, logged.
+    template <class Step>
+    static void logCallbackFailure(const Step& step)
+    {
+        try {
+            step();
+        } catch (const std::exception& e) {
+            std::cerr << DDS_DataReaderListener<T>::signature() << " " << e.what() << std::endl;
+        } catch (...) {
+            std::cerr << DDS_DataReaderListener<T>::signature() << " unknown exception from the callback"
+                      << std::endl;
         }
     }
 
@@ -357,6 +423,10 @@ private:
     std::condition_variable m_wake;
     bool m_stopping = false;
     int m_callbacksRunning = 0;
+    // Until the setup's finishing step has handed on the samples that came before it.
+    bool m_passingOn = false;
+    std::deque<Sample> m_earlySamples;
+    bool m_earlySamplesDropped = false;
     bool m_delivered = false;
     std::chrono::steady_clock::time_point m_lastDelivery;
     std::optional<Sample> m_heldBack;
