@@ -37,8 +37,6 @@ class TestWindowDrawer : public QObject
 private slots:
     void init();
     void cleanup();
-    void closedDrawerShowsOnlyItsTab_data();
-    void closedDrawerShowsOnlyItsTab();
     void captionStaysInsideLowTab();
     void slidesOpenAndShut_data();
     void slidesOpenAndShut();
@@ -72,37 +70,6 @@ void TestWindowDrawer::cleanup()
     delete m_desktop;
 }
 
-void TestWindowDrawer::closedDrawerShowsOnlyItsTab_data()
-{
-    QTest::addColumn<WindowDrawer::DockPosition_t>("position");
-    QTest::addColumn<QRect>("geometry");
-    QTest::addColumn<int>("degrees");
-    QTest::newRow("right") << WindowDrawer::Right << QRect(980, 100, handle, 400) << 90;
-    QTest::newRow("left") << WindowDrawer::Left << QRect(500 - handle, 100, handle, 400) << 270;
-}
-
-void TestWindowDrawer::closedDrawerShowsOnlyItsTab()
-{
-    QFETCH(WindowDrawer::DockPosition_t, position);
-    QFETCH(QRect, geometry);
-    QFETCH(int, degrees);
-    WindowDrawer drawer(m_desktop, m_container, position, QStringLiteral("Configuration"));
-    QVERIFY(!drawer.isVisible());
-    drawer.show();
-
-    QCOMPARE(drawer.objectName(), QStringLiteral("TopContainerObject"));
-    QCOMPARE(drawer.parentWindow(), m_container);
-    QCOMPARE(drawer.geometry(), geometry);
-    auto* tab = drawer.findChild<QPushButton*>(QStringLiteral("handle_type"));
-    QVERIFY(tab);
-    QTRY_COMPARE(tab->mapTo(&drawer, QPoint(0, 0)).x(), 0);
-    QCOMPARE(tab->width(), handle);
-    auto* caption = drawer.findChild<RotatableLabel*>();
-    QCOMPARE(caption->text(), QStringLiteral("Configuration"));
-    QCOMPARE(caption->degrees(), double(degrees));
-    QCOMPARE(caption->fontSize(), 12);
-}
-
 void TestWindowDrawer::captionStaysInsideLowTab()
 {
     m_container->resize(220, 130);
@@ -124,9 +91,11 @@ void TestWindowDrawer::slidesOpenAndShut_data()
     QTest::addColumn<WindowDrawer::DockPosition_t>("position");
     QTest::addColumn<QRect>("closed");
     QTest::addColumn<QRect>("opened");
-    QTest::newRow("right") << WindowDrawer::Right << QRect(980, 100, handle, 400) << QRect(980, 100, handle + contents, 400);
+    QTest::addColumn<int>("degrees");
+    QTest::newRow("right") << WindowDrawer::Right << QRect(980, 100, handle, 400) << QRect(980, 100, handle + contents, 400)
+                           << 90;
     QTest::newRow("left") << WindowDrawer::Left << QRect(500 - handle, 100, handle, 400)
-                          << QRect(500 - handle - contents, 100, handle + contents, 400);
+                          << QRect(500 - handle - contents, 100, handle + contents, 400) << 270;
 }
 
 void TestWindowDrawer::slidesOpenAndShut()
@@ -134,8 +103,21 @@ void TestWindowDrawer::slidesOpenAndShut()
     QFETCH(WindowDrawer::DockPosition_t, position);
     QFETCH(QRect, closed);
     QFETCH(QRect, opened);
+    QFETCH(int, degrees);
     WindowDrawer drawer(m_desktop, m_container, position, QStringLiteral("Configuration"));
+    QVERIFY(!drawer.isVisible());
     drawer.show();
+    // Closed, only the tab shows, at the container's edge, its caption reading towards it.
+    QCOMPARE(drawer.objectName(), QStringLiteral("TopContainerObject"));
+    QCOMPARE(drawer.parentWindow(), m_container);
+    QCOMPARE(drawer.geometry(), closed);
+    auto* tab = drawer.findChild<QPushButton*>(QStringLiteral("handle_type"));
+    QTRY_COMPARE(tab->mapTo(&drawer, QPoint(0, 0)).x(), 0);
+    QCOMPARE(tab->width(), handle);
+    auto* caption = drawer.findChild<RotatableLabel*>();
+    QCOMPARE(caption->text(), QStringLiteral("Configuration"));
+    QCOMPARE(caption->degrees(), double(degrees));
+    QCOMPARE(caption->fontSize(), 12);
     QSignalSpy closedSpy(&drawer, &WindowDrawer::WindowClosed);
 
     drawer.setDrawerOpened(true);
@@ -153,7 +135,6 @@ void TestWindowDrawer::slidesOpenAndShut()
     drawer.setDrawerOpened(false);
     QCOMPARE(closedSpy.count(), 1);
     QTRY_COMPARE_WITH_TIMEOUT(drawer.geometry(), closed, slideTimeout);
-    auto* tab = drawer.findChild<QPushButton*>(QStringLiteral("handle_type"));
     QTRY_COMPARE(tab->mapTo(m_desktop, QPoint(0, 0)).x(), closed.x());
 }
 
