@@ -5,7 +5,7 @@
 #include "DDS_Subscriber.h"
 #include "OrvanthNames.h"
 #include "QTZBatteryStatus.h"
-#include "QTZLowBatteryAlert.h"
+#include "QTZLowBatteryAlert.h" // completes the alert type QTZBatteryStatus.h points to
 #include "QTZMsgLogger.h"
 #include "SpeechBubbleImpl.h"
 
