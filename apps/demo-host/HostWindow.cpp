@@ -3,6 +3,7 @@
 #include "CSS.h"
 #include "DemoNavigation.h"
 #include "DemoScreens.h"
+#include "DemoStatus.h"
 #include "DemoWidgets.h"
 #include "DesktopImpl.h"
 #include "DesktopManagerImpl.h"
@@ -44,6 +45,7 @@ DesktopImpl* HostWindow::buildDesktop()
     screens.sort();
     for (const QString& name : screens)
         m_navigation->addScreenButton(name);
+    new DemoStatus(m_desktop);
     buildExitMenu();
     return m_desktop;
 }
