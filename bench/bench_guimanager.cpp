@@ -1,0 +1,245 @@
+// Round trip of the remote GUI service from another process, beside a raw omniORB null
+// call between two processes in the same run.
+//
+//   tz-bench-guimanager [--calls N] [--host PROGRAM]
+//
+// Starts omniNames on a free loopback port, the demo host offscreen (or PROGRAM, a host
+// taking the same options) serving Lumaro/local/GUIManager, and this program again as a
+// null-call server. Then times N calls of each kind (default 2000), interleaved in rounds
+// of 100 after a warm-up of 100 each:
+//  - null call:      GUI_Able::Ping("") on a servant in a single-thread POA of the
+//                    other process, the ORB's own round trip;
+//  - GetScreenList:  the servant reads the registry in the desktop's GUI thread;
+//  - IsDialogActive: the servant's blocking signal to the host's receiver in the GUI
+//                    thread, which answers through retResponse.
+// Prints the median and the 99th percentile in microseconds.
+
+#include "GuiAbleServant.h"
+#include "ORB_wrapper_base.h"
+#include "OrvanthNames.h"
+#include "StopSignals.h"
+
+#include <GUIManager.hh>
+#include <Orvanth.hh>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QHostAddress>
+#include <QProcess>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <iostream>
+#include <vector>
+
+namespace {
+
+const char nullPath[] = "Bench/NullCall";
+constexpr int round = 100;
+
+quint16 freeLoopbackPort()
+{
+    QTcpServer probe;
+    return probe.listen(QHostAddress::LocalHost, 0) ? probe.serverPort() : 0;
+}
+
+bool waitForPort(quint16 port, int timeoutMs)
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < timeoutMs) {
+        QTcpSocket socket;
+        socket.connectToHost(QHostAddress::LocalHost, port);
+        if (socket.waitForConnected(200))
+            return true;
+        QThread::msleep(50);
+    }
+    return false;
+}
+
+bool waitForLine(QProcess& process, const QByteArray& text, int timeoutMs)
+{
+    if (!process.waitForStarted(timeoutMs))
+        return false;
+    QByteArray output;
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < timeoutMs && process.state() == QProcess::Running) {
+        process.waitForReadyRead(100);
+        output += process.readAllStandardOutput() + process.readAllStandardError();
+        if (output.contains(text))
+            return true;
+    }
+    return false;
+}
+
+void stop(QProcess& process)
+{
+    if (process.state() == QProcess::NotRunning)
+        return;
+    process.terminate();
+    if (!process.waitForFinished(10000)) {
+        process.kill();
+        process.waitForFinished(5000);
+    }
+}
+
+// The null-call server: one GUI module in a single-thread POA, bound under nullPath,
+// until SIGTERM.
+int serveNullCalls()
+{
+    const Orvanth::StopSignals stopSignals;
+    int status = 0;
+    {
+        ORB_wrapper_base orb;
+        Orvanth::GuiAbleServant servant;
+        PortableServer::POA_var poa = orb.singleThreadPoa("NullCallPOA");
+        try {
+            CORBA::Object_var object = orb.serve(nullPath, &servant, poa);
+            std::cout << "READY" << std::endl;
+            stopSignals.wait();
+            orb.withdraw(nullPath, &servant, poa);
+        } catch (const CORBA::Exception& e) {
+            std::cerr << "tz-bench-guimanager: cannot serve the null call: " << e._name() << std::endl;
+            status = 1;
+        }
+    }
+    ORB_base::destroyProcessOrb();
+    return status;
+}
+
+struct Series
+{
+    const char* name;
+    std::function<void()> call;
+    std::vector<double> microseconds;
+};
+
+double percentile(std::vector<double> values, double fraction)
+{
+    if (values.empty())
+        return 0.0;
+    std::sort(values.begin(), values.end());
+    const auto index = std::min(values.size() - 1, std::size_t(fraction * double(values.size())));
+    return values[index];
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    for (int i = 1; i < argc; ++i) {
+        if (std::string(argv[i]) == "--null-server")
+            return serveNullCalls();
+    }
+
+    QCoreApplication application(argc, argv);
+    int calls = 2000;
+    QString host = QStringLiteral(TZ_DEMO_HOST);
+    const QStringList arguments = application.arguments();
+    for (int i = 1; i < arguments.size(); ++i) {
+        if (arguments[i] == QLatin1String("--calls") && i + 1 < arguments.size())
+            calls = std::max(round, arguments[++i].toInt());
+        else if (arguments[i] == QLatin1String("--host") && i + 1 < arguments.size())
+            host = arguments[++i];
+        else {
+            std::fprintf(stderr, "usage: tz-bench-guimanager [--calls N] [--host PROGRAM]\n");
+            return 2;
+        }
+    }
+
+    QTemporaryDir namingData;
+    const quint16 port = freeLoopbackPort();
+    const QString portText = QString::number(port);
+    const QString initRef = QStringLiteral("NameService=corbaname::127.0.0.1:") + portText;
+    QProcess namingService;
+    namingService.setStandardOutputFile(QProcess::nullDevice());
+    namingService.setStandardErrorFile(QProcess::nullDevice());
+    namingService.start(QStringLiteral(TZ_OMNINAMES), {"-start", portText, "-datadir", namingData.path(),
+                                                       "-ORBendPoint", "giop:tcp:127.0.0.1:" + portText});
+    if (!namingData.isValid() || port == 0 || !waitForPort(port, 10000)) {
+        std::fprintf(stderr, "omniNames did not start\n");
+        return 1;
+    }
+
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("ORBInitRef"), initRef);
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    environment.insert(QStringLiteral("ORVANTH_DDS_DISABLE"), QStringLiteral("1"));
+    QProcess desktop;
+    desktop.setProcessEnvironment(environment);
+    desktop.setStandardOutputFile(QProcess::nullDevice());
+    desktop.setStandardErrorFile(QProcess::nullDevice());
+    desktop.start(host, {"-ORBInitRef", initRef, "-res", "800x480"});
+    QProcess nullServer;
+    nullServer.setProcessEnvironment(environment);
+    nullServer.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    nullServer.start(QCoreApplication::applicationFilePath(), {"--null-server"});
+    auto stopAll = [&] {
+        stop(nullServer);
+        stop(desktop);
+        stop(namingService);
+    };
+    if (!waitForLine(nullServer, "READY", 30000)) {
+        std::fprintf(stderr, "the null-call server did not start\n");
+        stopAll();
+        return 1;
+    }
+
+    int status = 0;
+    {
+        ORB_wrapper_base orb({"-ORBInitRef", initRef.toStdString()});
+        // The desktop serves once its name is bound.
+        Lumaro::gui::GUIManager_var manager;
+        QElapsedTimer startUp;
+        startUp.start();
+        while (CORBA::is_nil(manager) && startUp.elapsed() < 30000) {
+            CORBA::Object_var managerObject = orb.ResolveName(Orvanth::Names::GuiManagerPath);
+            manager = Lumaro::gui::GUIManager::_narrow(managerObject);
+            if (CORBA::is_nil(manager))
+                QThread::msleep(50);
+        }
+        CORBA::Object_var nullObject = orb.ResolveName(nullPath);
+        Orvanth::GUI_Able_var module = Orvanth::GUI_Able::_narrow(nullObject);
+        if (CORBA::is_nil(manager) || CORBA::is_nil(module)) {
+            std::fprintf(stderr, "the GUI manager or the null-call server is not bound\n");
+            status = 1;
+        } else {
+            std::vector<Series> series{
+                {"null call (omniORB)", [&] { CORBA::String_var answer = module->Ping(""); }, {}},
+                {"GetScreenList", [&] { Lumaro::gui::StringSeq_var screens = manager->GetScreenList(); }, {}},
+                {"IsDialogActive", [&] { manager->IsDialogActive("Bench"); }, {}},
+            };
+            try {
+                for (int done = -round; done < calls; done += round) {
+                    for (Series& kind : series) {
+                        for (int i = 0; i < round; ++i) {
+                            QElapsedTimer clock;
+                            clock.start();
+                            kind.call();
+                            // The first round only opens connections and warms caches.
+                            if (done >= 0)
+                                kind.microseconds.push_back(double(clock.nsecsElapsed()) / 1e3);
+                        }
+                    }
+                }
+                std::printf("%d calls each from a separate process, after a warm-up of %d\n", calls, round);
+                std::printf("%-22s %12s %12s\n", "call", "median us", "p99 us");
+                for (const Series& kind : series)
+                    std::printf("%-22s %12.1f %12.1f\n", kind.name, percentile(kind.microseconds, 0.5),
+                                percentile(kind.microseconds, 0.99));
+            } catch (const CORBA::Exception& e) {
+                std::fprintf(stderr, "a call failed: %s\n", e._name());
+                status = 1;
+            }
+        }
+    }
+    ORB_base::destroyProcessOrb();
+    stopAll();
+    return status;
+}
