@@ -179,13 +179,11 @@ void PushButtonImpl::retranslate()
 void PushButtonImpl::setLockImageVisible(const bool& visible)
 {
     // The base's overlay keeps its transparent sheet: the badge shows the lock instead.
-    if (visible) {
-        m_lockBadge->setObjectName(QStringLiteral("Locked"));
-        m_lockBadge->setText(QStringLiteral("Locked  "));
-    } else {
-        m_lockBadge->setObjectName(QString());
-        m_lockBadge->setText(QString());
-    }
+    const QString name = visible ? QStringLiteral("Locked") : QString();
+    if (m_lockBadge->objectName() == name)
+        return;
+    m_lockBadge->setObjectName(name);
+    m_lockBadge->setText(visible ? QStringLiteral("Locked  ") : QString());
     // The object name selects the badge's rule only when the sheet is applied again.
     m_lockBadge->style()->unpolish(m_lockBadge);
     m_lockBadge->style()->polish(m_lockBadge);

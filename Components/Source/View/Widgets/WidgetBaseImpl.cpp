@@ -16,6 +16,7 @@
 
 #include <QCoreApplication>
 #include <QDebug>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPair>
@@ -33,6 +34,9 @@ const char* const sourceFile = "Components/Source/View/Widgets/WidgetBaseImpl";
 
 // How long after binding the lock state is asked once more.
 constexpr std::chrono::milliseconds LockSettleDelay{1000};
+// The GUI thread's time given to lock states in one turn of its event loop, in ms: half
+// a frame, so a burst never holds it much beyond one.
+constexpr qint64 LockSliceMs = 8;
 
 Orvanth::LockerID currentLockerID()
 {
@@ -46,6 +50,20 @@ Orvanth::Lock_Authority currentLockAuthority()
     return gateway ? gateway->getLockAuthority() : Orvanth::Lock_Authority{};
 }
 
+// The overlay's looks: with the padlock in its top right corner, and clear.
+QString lockedOverlaySheet()
+{
+    return QStringLiteral("QPushButton#LockOverlay { background-color: rgba(0,0,0,0); background-image: "
+                          "url(:/images/lock.png); background-position: top right; background-repeat: no-repeat; "
+                          "border: none; font: bold 20px; color: #fff;}");
+}
+
+QString plainOverlaySheet()
+{
+    return QStringLiteral("QPushButton#LockOverlay { background-color: rgba(0,0,0,0); border: none; font: bold 20px; "
+                          "color: #fff;}");
+}
+
 /// The reason disconnectCORBA() names for a lost connection, or empty for other failures.
 QString connectionLoss(const CORBA::Exception& exception)
 {
@@ -57,6 +75,55 @@ QString connectionLoss(const CORBA::Exception& exception)
 }
 
 } // namespace
+
+/**
+ * Applies the lock states that engine answers bring, in slices of the GUI thread's time:
+ * when an engine changes the locks of hundreds of widgets at once, each slice applies
+ * what fits in a few milliseconds and leaves the rest for the next turn of the event
+ * loop, so timers and touches come in between. GUI thread only.
+ */
+class WidgetBaseImpl::LockStateApplier : public QObject
+{
+public:
+    static LockStateApplier* instance()
+    {
+        static QPointer<LockStateApplier> applier;
+        if (!applier)
+            applier = new LockStateApplier(QCoreApplication::instance());
+        return applier;
+    }
+
+    void schedule(WidgetBaseImpl* widget)
+    {
+        m_waiting.append(widget);
+        if (!m_slice.isActive())
+            m_slice.start();
+    }
+
+private:
+    explicit LockStateApplier(QObject* parent) : QObject(parent)
+    {
+        // A zero interval: one slice per turn of the event loop.
+        m_slice.setInterval(0);
+        connect(&m_slice, &QTimer::timeout, this, &LockStateApplier::applySlice);
+    }
+
+    void applySlice()
+    {
+        QElapsedTimer clock;
+        clock.start();
+        while (!m_waiting.isEmpty() && clock.elapsed() < LockSliceMs) {
+            const QPointer<WidgetBaseImpl> widget = m_waiting.takeFirst();
+            if (widget)
+                widget->applyPendingLockAnswer();
+        }
+        if (m_waiting.isEmpty())
+            m_slice.stop();
+    }
+
+    QTimer m_slice;
+    QList<QPointer<WidgetBaseImpl>> m_waiting;
+};
 
 /**
  * The widget's engine state as the pool and DDS threads see it, and the queue that runs
@@ -225,7 +292,7 @@ private:
             if (shownLocked == locked)
                 return;
             shownLocked = locked;
-            post([generation, locked](WidgetBaseImpl* widget) { widget->applyLockAnswer(generation, locked); });
+            postLockAnswer(generation, locked);
         } catch (const CORBA::Exception& exception) {
             const QString reason = connectionLoss(exception);
             if (!reason.isEmpty()) {
@@ -238,8 +305,44 @@ private:
         }
     }
 
+    /// Hands the answer to the widget, at most one at a time: while one waits in the GUI
+    /// thread, later answers replace its value instead of queueing more, so a busy GUI
+    /// thread applies the latest state once instead of every state in between.
+    void postLockAnswer(quint64 generation, bool locked)
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        const bool queued = m_pendingAnswer.has_value();
+        m_pendingAnswer = PendingAnswer{generation, locked};
+        if (queued || !m_widget)
+            return;
+        WidgetBaseImpl* widget = m_widget;
+        QMetaObject::invokeMethod(
+            widget, [widget] { LockStateApplier::instance()->schedule(widget); }, Qt::QueuedConnection);
+    }
+
+public:
+    /// The answer waiting for the widget, taken; false when there is none.
+    bool takeLockAnswer(quint64* generation, bool* locked)
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        if (!m_pendingAnswer)
+            return false;
+        *generation = m_pendingAnswer->generation;
+        *locked = m_pendingAnswer->locked;
+        m_pendingAnswer.reset();
+        return true;
+    }
+
+private:
+    struct PendingAnswer
+    {
+        quint64 generation;
+        bool locked;
+    };
+
     mutable std::mutex m_mutex;
     WidgetBaseImpl* m_widget;
+    std::optional<PendingAnswer> m_pendingAnswer;
     quint64 m_generation = 0;
     Orvanth::EngineReadingBase_var m_reading;
     Orvanth::EngineAttribBase_var m_attribute;
@@ -289,8 +392,7 @@ WidgetBaseImpl::WidgetBaseImpl(QWidget* parent)
     m_lockOverlay->setObjectName(QStringLiteral("LockOverlay"));
     m_lockOverlay->setFocusPolicy(Qt::NoFocus);
     m_lockOverlay->hide();
-    // Not virtual yet: a subclass's look follows in its own constructor.
-    WidgetBaseImpl::setLockImageVisible(false);
+    m_lockOverlay->setStyleSheet(plainOverlaySheet());
 
     connect(this, &WidgetBaseImpl::SetLocked, this, qOverload<bool>(&WidgetBaseImpl::setWidgetLocked));
     connectToStatusBar();
@@ -495,6 +597,14 @@ void WidgetBaseImpl::finishBinding(quint64 generation, bool bound, bool locked)
     emit bindingFinished(bound);
 }
 
+void WidgetBaseImpl::applyPendingLockAnswer()
+{
+    quint64 generation = 0;
+    bool locked = false;
+    if (m_link->takeLockAnswer(&generation, &locked))
+        applyLockAnswer(generation, locked);
+}
+
 void WidgetBaseImpl::applyLockAnswer(quint64 generation, bool locked)
 {
     if (generation != m_generation)
@@ -535,19 +645,21 @@ void WidgetBaseImpl::setWidgetLocked(bool isLocked)
         setLockImageVisible(true);
         m_lockOverlay->raise();
     } else {
-        setLockImageVisible(false);
         m_lockOverlay->hide();
+        setLockImageVisible(false);
     }
 }
 
 void WidgetBaseImpl::setLockImageVisible(const bool& visible)
 {
-    m_lockOverlay->setStyleSheet(
-        visible ? QStringLiteral("QPushButton#LockOverlay { background-color: rgba(0,0,0,0); background-image: "
-                                 "url(:/images/lock.png); background-position: top right; background-repeat: "
-                                 "no-repeat; border: none; font: bold 20px; color: #fff;}")
-                : QStringLiteral("QPushButton#LockOverlay { background-color: rgba(0,0,0,0); border: none; font: bold "
-                                 "20px; color: #fff;}"));
+    // Each new sheet is parsed and polished again, the padlock image loaded with it, which
+    // costs more than everything else a lock change does. A hidden overlay shows nothing,
+    // so it keeps the sheet it has until it is shown again, often with the same one.
+    if (!visible && m_lockOverlay->isHidden())
+        return;
+    const QString sheet = visible ? lockedOverlaySheet() : plainOverlaySheet();
+    if (m_lockOverlay->styleSheet() != sheet)
+        m_lockOverlay->setStyleSheet(sheet);
 }
 
 void WidgetBaseImpl::mouseReleaseEvent(QMouseEvent* event)

@@ -164,11 +164,14 @@ protected:
     void acquireLock();
 
 private:
+    class LockStateApplier;
+
     void connectToStatusBar();
     void followDiscovery(NamingServiceImpl* discovery);
     void adoptSubscription(Orvanth::DDS_BaseObj* subscriber);
     void finishBinding(quint64 generation, bool bound, bool locked);
     void attributeNotFound(quint64 generation);
+    void applyPendingLockAnswer();
     void applyLockAnswer(quint64 generation, bool locked);
     void engineLost(quint64 generation, const QString& reason, bool showLocked);
     void lockTaken(bool taken, CORBA::Long handle);
