@@ -10,6 +10,7 @@
 #include "DDS_BaseObj.h"
 #include "GlobalImpl.h"
 #include "Locker.h"
+#include "QTZStatusBar.h"
 #include "TopicPublisher.h"
 #include "WidgetBaseImpl.h"
 
@@ -308,6 +309,9 @@ void TestWidgetBaseImpl::lostEngineUnbindsAndShowsLocked()
 {
     SimulatorSession engine;
     QVERIFY(engine.start(m_naming));
+    QWidget desktop;
+    QTZStatusBar statusBar(&desktop);
+    GlobalImpl::getInstance()->setStatusBar(&statusBar);
     ModuleWindow host;
     QVERIFY(bind(host.widget, action));
     QSignalSpy posted(host.widget, &WidgetBaseImpl::exceptionMessage);
@@ -332,6 +336,7 @@ void TestWidgetBaseImpl::lostEngineUnbindsAndShowsLocked()
     QVERIFY(!host.widget->hasReading());
     QVERIFY(host.widget->isLocked());
     QVERIFY(host.widget->lockOverlay()->isVisible());
+    QTRY_VERIFY(statusBar.lastText().contains(posted.first().at(0).toString()));
 
     // Unbound, a touch still claims the entry slot.
     QSignalSpy entry(host.widget, &WidgetBaseImpl::DisplayEntryMechanism);

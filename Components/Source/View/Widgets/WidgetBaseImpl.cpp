@@ -8,11 +8,8 @@
 #include "LockerGateway.h"
 #include "NamingServiceImpl.h"
 #include "ORB_base.h"
-
-#if __has_include("QTZStatusBar.h")
 #include "QTZStatusBar.h"
-#define TZ_WIDGETBASE_HAS_STATUS_BAR 1
-#endif
+
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -410,10 +407,8 @@ WidgetBaseImpl::~WidgetBaseImpl()
 
 void WidgetBaseImpl::connectToStatusBar()
 {
-#ifdef TZ_WIDGETBASE_HAS_STATUS_BAR
     if (QTZStatusBar* statusBar = GlobalImpl::getInstance()->statusBar())
         connect(this, &WidgetBaseImpl::exceptionMessage, statusBar, QOverload<QString>::of(&QTZStatusBar::addMessage));
-#endif
 }
 
 QString WidgetBaseImpl::getAttributeName() const
