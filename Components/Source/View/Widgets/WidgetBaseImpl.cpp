@@ -245,6 +245,19 @@ public:
         enqueue([this] { queryLock(); });
     }
 
+    /// The answer waiting for the widget, taken; false when there is none.
+    bool takeLockAnswer(quint64* generation, bool* locked)
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        if (!m_pendingAnswer)
+            return false;
+        *generation = m_pendingAnswer->generation;
+        *locked = m_pendingAnswer->locked;
+        m_pendingAnswer.reset();
+        return true;
+    }
+
+
     // The lock state last posted to the widget; touched by queued work only, which runs
     // one job at a time. Forgotten when the widget's own lock calls change its flag.
     std::optional<bool> shownLocked;
@@ -317,20 +330,6 @@ private:
             widget, [widget] { LockStateApplier::instance()->schedule(widget); }, Qt::QueuedConnection);
     }
 
-public:
-    /// The answer waiting for the widget, taken; false when there is none.
-    bool takeLockAnswer(quint64* generation, bool* locked)
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        if (!m_pendingAnswer)
-            return false;
-        *generation = m_pendingAnswer->generation;
-        *locked = m_pendingAnswer->locked;
-        m_pendingAnswer.reset();
-        return true;
-    }
-
-private:
     struct PendingAnswer
     {
         quint64 generation;
