@@ -49,6 +49,7 @@ private slots:
     void dragMovesTheRowWithinItsEnds();
     void fullScreenEntryClosesTheBar();
     void buttonGoesWithItsScreen();
+    void entryFollowsItsScreensSize();
     void swapHandsRegistrationOver();
 };
 
@@ -221,6 +222,23 @@ void TestMenuItem::buttonGoesWithItsScreen()
     QVERIFY(item.isNull());
     QVERIFY(!desk.bar->menuButton(QStringLiteral("Meters")));
     QVERIFY(desk.row().isEmpty());
+}
+
+void TestMenuItem::entryFollowsItsScreensSize()
+{
+    MenuTestDesktop desk;
+    ContainerBase* screen = desk.screen(QStringLiteral("Power"));
+    QPushButton* item = desk.bar->addMenuItem(QStringLiteral("Meters"), QString(), QStringLiteral("Power"), screen,
+                                              0, 0, nullptr, QString(), 0);
+    emit screen->changeSize(QStringLiteral("Max"));
+    QCOMPARE(item->property("screenSize").toString(), QStringLiteral("Max"));
+
+    // Regrouped, the entry keeps what it knew and follows on.
+    desk.add(QStringLiteral("Meters"), QString(), QStringLiteral("Voltage"));
+    QPushButton* moved = desk.bar->menuEntry(QStringLiteral("Meters"), QString(), QStringLiteral("Power"));
+    QCOMPARE(moved->property("screenSize").toString(), QStringLiteral("Max"));
+    emit screen->changeSize(QStringLiteral("Thumb"));
+    QCOMPARE(moved->property("screenSize").toString(), QStringLiteral("Thumb"));
 }
 
 void TestMenuItem::swapHandsRegistrationOver()
