@@ -1,37 +1,16 @@
 // Finding the window that holds a widget, and its title: a standard container's own
-// title, a drawer's caption, nothing outside every window.
+// title, nothing outside every window (a drawer's caption: tst_windowdrawer).
 
 #include "ContainerImpl.h"
 #include "GlobalImpl.h"
-#include "RotatableLabel.h"
 
 #include <QFrame>
+#include <QLabel>
 #include <QTranslator>
 #include <QVBoxLayout>
 #include <QtTest>
 
 namespace {
-
-// Stands in for the slide-out drawer, which the lookup knows by its class name only: a
-// window with its title as a rotated caption on its handle.
-class WindowDrawer : public QFrame
-{
-    Q_OBJECT
-
-public:
-    WindowDrawer(QWidget* parent, const QString& caption)
-        : QFrame(parent)
-    {
-        setObjectName(QStringLiteral("TopContainerObject"));
-        auto* handle = new QFrame(this);
-        new QLabel(QStringLiteral("not the caption"), handle);
-        auto* label = new RotatableLabel(new QFrame(handle));
-        label->setText(caption);
-        contents = new QFrame(this);
-    }
-
-    QFrame* contents;
-};
 
 class Translator : public QTranslator
 {
@@ -59,7 +38,6 @@ class TestWindowLookup : public QObject
 
 private slots:
     void findsContainerFromDeeplyNestedWidget();
-    void drawerYieldsItsCaption();
     void windowItselfYieldsOwnTitleButOuterWindow();
     void widgetOutsideEveryWindowYieldsNothing();
 };
@@ -85,20 +63,6 @@ void TestWindowLookup::findsContainerFromDeeplyNestedWidget()
     QCOMPARE(GlobalImpl::getParentWindowName(container.getContainerControl()->findChild<QWidget*>()),
              QStringLiteral("Scope"));
     QCoreApplication::removeTranslator(&translator);
-}
-
-void TestWindowLookup::drawerYieldsItsCaption()
-{
-    QWidget desktop;
-    ContainerImpl container(&desktop);
-    container.setWindowTitle(QStringLiteral("Scope"));
-    // A drawer inside the container's tree still names itself, not the container.
-    auto* drawer = new WindowDrawer(container.getContainerFrame(), QStringLiteral("Configuration"));
-    QWidget* control = nestedIn(drawer->contents, 4);
-
-    QCOMPARE(GlobalImpl::getParentWindow(control), drawer);
-    QCOMPARE(GlobalImpl::getParentWindowName(control), QStringLiteral("Configuration"));
-    QCOMPARE(GlobalImpl::getParentWindow(drawer), &container);
 }
 
 void TestWindowLookup::windowItselfYieldsOwnTitleButOuterWindow()
