@@ -6,6 +6,7 @@
 #include "LogCapture.h"
 #include "NamingServiceProcess.h"
 
+#include "CorbaFailure.h"
 #include "DesktopImpl.h"
 #include "EngineServer.h"
 #include "GlobalImpl.h"
@@ -47,15 +48,21 @@ void TestRegistryThreads::initTestCase()
     QVERIFY(m_naming.start());
     m_server = std::make_unique<Orvanth::EngineServer>(m_naming.orbOptions());
     m_manager = new Orvanth::LockManagerServant;
-    CORBA::Object_var bound = m_server->serve(Orvanth::Locker::ManagerPath, m_manager);
+    try {
+        CORBA::Object_var bound = m_server->serve(Orvanth::Locker::ManagerPath, m_manager);
+    } catch (const CORBA::Exception& exception) {
+        QFAIL(qPrintable(QStringLiteral("cannot serve the lock manager: ") + CorbaFailure::describe(exception)));
+    }
 }
 
 void TestRegistryThreads::cleanupTestCase()
 {
     delete GlobalImpl::existingInstance();
-    m_server->deactivate(m_manager);
-    m_manager->_remove_ref();
-    m_server.reset();
+    if (m_server) {
+        m_server->deactivate(m_manager);
+        m_manager->_remove_ref();
+        m_server.reset();
+    }
     ORB_base::destroyProcessOrb();
     m_naming.stop();
 }
@@ -98,7 +105,6 @@ void TestRegistryThreads::lockIdCallsRacingDesktopCloseEndCleanly()
 
         // Two play DDS threads: they ask for the registry and, through the gateway they
         // hold for the call, for the lock id, until well after the close.
-        LogCapture log;
         std::atomic<bool> closed{false};
         std::atomic<int> idsBeforeClose{0};
         std::atomic<int> registriesAfterClose{0};
@@ -131,7 +137,6 @@ void TestRegistryThreads::lockIdCallsRacingDesktopCloseEndCleanly()
         QVERIFY(registry.isNull());
         QCOMPARE(registriesAfterClose.load(), 0);
         QVERIFY(qApp->findChildren<GlobalImpl*>().isEmpty());
-        QVERIFY(log.contains(QStringLiteral("outside the GUI thread while no registry exists")));
         // Nothing built a locker after the registry's, before the close or after it.
         QCOMPARE(m_manager->lockerCount(), lockers);
     }
