@@ -1,5 +1,6 @@
 // The registry: instance lookup (from the GUI thread and from others), snap points, the
-// screen table, data-entry ownership, teardown and the window lookup.
+// screen table, data-entry ownership, peers that go away, and teardown. The window
+// lookup has a test of its own (tst_windowlookup).
 
 #include "LogCapture.h"
 
@@ -28,7 +29,6 @@ private slots:
     void entryMechanismStaysWithFirstClaimant();
     void forgetsDestroyedPeers();
     void teardownStopsThreadsAndDeletesOwnedObjectsOnly();
-    void findsWindowAndTitleAboveWidget();
 };
 
 void TestGlobalImpl::cleanup()
@@ -215,28 +215,6 @@ void TestGlobalImpl::teardownStopsThreadsAndDeletesOwnedObjectsOnly()
     // The host's widget is still its own (ASan would see a use after free here).
     screen.setObjectName(QStringLiteral("stillAlive"));
     QVERIFY(GlobalImpl::getInstance() != nullptr);
-}
-
-void TestGlobalImpl::findsWindowAndTitleAboveWidget()
-{
-    QWidget desktop;
-    auto* outer = new QWidget(&desktop);
-    outer->setObjectName(QStringLiteral("TopContainerObject"));
-    outer->setWindowTitle(QStringLiteral("Spektrum \u6e2c\u8a66"));
-    auto* inner = new QWidget(new QWidget(outer));
-    inner->setObjectName(QStringLiteral("TopContainerObject"));
-    inner->setWindowTitle(QStringLiteral("Inner"));
-    auto* button = new QWidget(new QWidget(inner));
-
-    QCOMPARE(GlobalImpl::getParentWindow(button), inner);
-    QCOMPARE(GlobalImpl::getParentWindowName(button), QStringLiteral("Inner"));
-    // A window is never its own window, but the name lookup starts at the widget itself.
-    QCOMPARE(GlobalImpl::getParentWindow(inner), outer);
-    QCOMPARE(GlobalImpl::getParentWindowName(inner), QStringLiteral("Inner"));
-    QCOMPARE(GlobalImpl::getParentWindowName(inner->parentWidget()), QStringLiteral("Spektrum \u6e2c\u8a66"));
-    QVERIFY(!GlobalImpl::getParentWindow(outer));
-    QVERIFY(GlobalImpl::getParentWindowName(&desktop).isEmpty());
-    QVERIFY(!GlobalImpl::getParentWindow(nullptr));
 }
 
 QTEST_MAIN(TestGlobalImpl)
