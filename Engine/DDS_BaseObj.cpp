@@ -122,6 +122,10 @@ eprosima::fastdds::dds::Topic* DDS_BaseObj::findOrCreateTopic(DomainParticipant*
                                                               const std::string& name, const std::string& typeName)
 {
     // Looking first keeps create_topic from logging an error for a topic that exists.
+    // Subscribers set up on threads of their own: two of one topic would both find
+    // nothing and the second create would fail, so finding and creating go together.
+    static std::mutex topicMutex;
+    std::lock_guard<std::mutex> lock(topicMutex);
     if (eprosima::fastdds::dds::Topic* found = participant->find_topic(name, eprosima::fastrtps::Duration_t(0, 0)))
         return found;
     return participant->create_topic(name, typeName, eprosima::fastdds::dds::TOPIC_QOS_DEFAULT, nullptr,
