@@ -65,12 +65,24 @@ void SimulatedEngine::stop()
     m_wake.notify_all();
     if (m_worker.joinable())
         m_worker.join();
+    std::vector<int> withdrawn;
     for (auto& bound : m_bound) {
-        if (bound.second)
+        if (bound.second) {
             unbindModule(bound.first);
+            withdrawn.push_back(bound.first);
+        }
     }
-    // The last announcements must leave before the process and its writer go.
+    // The last announcements must reach the readers before this writer goes. Readers are
+    // best effort: a sample still in flight when its writer leaves is dropped and never
+    // resent, so each is sent once more after a pause, and the writer lingers a little.
+    std::this_thread::sleep_for(std::chrono::milliseconds(250));
+    for (int index : withdrawn) {
+        ATTR_STRING sample;
+        sample.value("destroy," + std::to_string(index));
+        m_moduleTopic.publish(sample);
+    }
     m_moduleTopic.waitForAcknowledgments(std::chrono::seconds(2));
+    std::this_thread::sleep_for(std::chrono::milliseconds(250));
     try {
         m_orb.withdraw(Names::LockerPath, m_lockManager);
     } catch (const CORBA::Exception& e) {

@@ -18,6 +18,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 /**
  * The instrument's engines as the user interface sees them: GUI modules bound under
