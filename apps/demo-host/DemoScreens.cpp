@@ -9,6 +9,7 @@
 #include "QTZScalableLabel.h"
 #include "QTZTextEditor.h"
 #include "RotatableLabel.h"
+#include "SystemModule.h"
 
 #include <QDebug>
 #include <QLabel>
@@ -107,6 +108,7 @@ DemoScreens::DemoScreens(DesktopImpl* desktop)
     if (auto* spectrum = qobject_cast<ContainerImpl*>(m_containers.value(1)))
         spectrum->setDrawerLayout(spectrumSettings());
     addFullScreen();
+    addDeviceControl();
 }
 
 void DemoScreens::addContainer(const QString& title, int instance, QWidget* contents)
@@ -150,4 +152,22 @@ void DemoScreens::addFullScreen()
     open->move(m_desktop->width() - open->width() - 10, m_desktop->height() - open->height() - 20);
     open->show();
     QObject::connect(open, &QPushButton::clicked, m_fullScreen.data(), &FSContainer::show);
+}
+
+void DemoScreens::addDeviceControl()
+{
+    auto* container = new ContainerImpl(m_desktop);
+    container->setWindowTitle(QStringLiteral("Device Control"));
+    QFrame* form = moduleForm(moduleSize());
+    auto* rows = new QVBoxLayout(form);
+    for (const QString& line : {QStringLiteral("Reference: internal 10 MHz"), QStringLiteral("Fan: automatic"),
+                                QStringLiteral("Display: 80 %")})
+        rows->addWidget(new QLabel(line, form));
+    auto* layout = new QVBoxLayout;
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(form);
+    container->setLayout(layout);
+    container->init();
+    container->hide();
+    GlobalImpl::getInstance()->systemModule()->setSystemScreen(QStringLiteral("DCS"), container);
 }

@@ -12,8 +12,8 @@ class QWidget;
 
 /**
  * The demo's module screens: a few standard containers with simple contents, placed by
- * the desktop manager when they are first shown, and one full-screen container that a
- * button on the desktop opens. Each screen is registered in the registry's screen table.
+ * the desktop manager when they are first shown, one full-screen container that a
+ * button on the desktop opens, and the device control screen that engines open. Each screen is registered in the registry's screen table.
  */
 class DemoScreens
 {
@@ -27,6 +27,8 @@ public:
 private:
     void addContainer(const QString& title, int instance, QWidget* contents);
     void addFullScreen();
+    // The system screen "DCS", which the remote OpenDCS shows.
+    void addDeviceControl();
 
     DesktopImpl* m_desktop;
     QList<QPointer<ContainerBase>> m_containers;

@@ -2,12 +2,14 @@
 
 #include "CSS.h"
 #include "DemoNavigation.h"
+#include "DemoRemote.h"
 #include "DemoScreens.h"
 #include "DemoStatus.h"
 #include "DemoWidgets.h"
 #include "DesktopImpl.h"
 #include "DesktopManagerImpl.h"
 #include "GlobalImpl.h"
+#include "ScreenStateManager.h"
 #include "SystemModule.h"
 
 #include <QCloseEvent>
@@ -47,6 +49,9 @@ DesktopImpl* HostWindow::buildDesktop()
         m_navigation->addScreenButton(name);
     new DemoStatus(m_desktop);
     buildExitMenu();
+    // Engines store and recall the arrangement through the remote service.
+    registry->systemModule()->setModule(QStringLiteral("ScreenStateManager"), new ScreenStateManager(this));
+    DemoRemote::serve(m_desktop);
     return m_desktop;
 }
 

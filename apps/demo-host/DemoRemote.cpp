@@ -1,0 +1,525 @@
+#include "DemoRemote.h"
+
+#include "ApplicationOptions.h"
+#include "ContainerDialog.h"
+#include "ContainerImpl.h"
+#include "DesktopImpl.h"
+#include "GUIManagerImpl.h"
+#include "GUIManagerServer.h"
+#include "GlobalImpl.h"
+#include "MenuBar.h"
+#include "PushButtonImpl.h"
+#include "VerticalScrollBarImpl.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPixmap>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+namespace {
+
+const char titleProperty[] = "remoteTitle";
+const char kindProperty[] = "remoteKind";
+const char blockingProperty[] = "remoteBlocking";
+const char rootPathProperty[] = "remoteRootPath";
+const char offeredPathProperty[] = "remoteOfferedPath";
+const char offeredFilenameProperty[] = "remoteOfferedFilename";
+
+// The answer of a dialog that is closed without a button.
+constexpr long cancelCode = -999;
+
+// Remote texts in log lines: a long one is shortened.
+QString forLog(const QString& text)
+{
+    constexpr int shown = 80;
+    return text.size() <= shown ? text : text.left(shown) + QStringLiteral("...");
+}
+
+QLabel* plainLabel(const QString& text)
+{
+    auto* label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    return label;
+}
+
+} // namespace
+
+GUIManagerServer* DemoRemote::serve(DesktopImpl* desktop)
+{
+    if (ApplicationOptions::orbInitRef().isEmpty() && qEnvironmentVariableIsEmpty("ORBInitRef")) {
+        qDebug() << "UserInterface - Demo host - no naming service, no remote GUI service";
+        return nullptr;
+    }
+    auto* server = new GUIManagerServer(desktop);
+    auto* receiver = new DemoRemote(desktop);
+    server->setResponseSource(receiver);
+    if (server->manager())
+        receiver->connectTo(server->manager());
+    server->initialize();
+    GlobalImpl::getInstance()->setGUIManagerServer(server);
+    server->start();
+    return server;
+}
+
+DemoRemote::DemoRemote(DesktopImpl* desktop)
+    : m_desktop(desktop)
+{
+    setObjectName(QStringLiteral("DemoRemote"));
+    // Dialogs still open when the desktop closes are cancelled, so that their callers return.
+    if (GlobalImpl* registry = GlobalImpl::existingInstance())
+        connect(registry, &QObject::destroyed, this, [this] { closeDialog(QString()); });
+}
+
+DemoRemote::~DemoRemote()
+{
+    for (const QPointer<ContainerDialog>& dialog : qAsConst(m_dialogs)) {
+        if (dialog && !dialog->property(blockingProperty).toBool())
+            delete dialog.data();
+    }
+}
+
+void DemoRemote::connectTo(Lumaro::gui::GUIManagerImpl* manager)
+{
+    using Manager = Lumaro::gui::GUIManagerImpl;
+    connect(manager, &Manager::showAlert, this, &DemoRemote::showAlert);
+    connect(manager, &Manager::showSimpleDialog, this, &DemoRemote::showSimpleDialog);
+    connect(manager, &Manager::showImageDialog, this, &DemoRemote::showImageDialog);
+    connect(manager, &Manager::showDialogWithParams, this, &DemoRemote::showDialogWithParams);
+    connect(manager, &Manager::showDataEntryDialog, this, &DemoRemote::showDataEntryDialog);
+    connect(manager, &Manager::closeDialog, this, &DemoRemote::closeDialog);
+    // The remote call returns what these slots answered, so it waits for them.
+    const auto blocking = Qt::BlockingQueuedConnection;
+    connect(manager, &Manager::showSimpleDialogBlocking, this, &DemoRemote::showSimpleDialogBlocking, blocking);
+    connect(manager, &Manager::showImageDialogBlocking, this, &DemoRemote::showImageDialogBlocking, blocking);
+    connect(manager, &Manager::showDialogWithParamsBlocking, this, &DemoRemote::showDialogWithParamsBlocking,
+            blocking);
+    connect(manager, &Manager::showDataEntryDialogBlocking, this, &DemoRemote::showDataEntryDialogBlocking, blocking);
+    connect(manager, &Manager::showFileSelectDialog, this, &DemoRemote::showFileSelectDialog, blocking);
+    connect(manager, &Manager::isDialogActive, this, &DemoRemote::isDialogActive, blocking);
+
+    connect(manager, &Manager::showScreen, this, &DemoRemote::showScreen);
+    connect(manager, &Manager::hideScreen, this, &DemoRemote::hideScreen);
+    connect(manager, &Manager::showScreenExtra, this, &DemoRemote::showScreenExtra);
+    connect(manager, &Manager::hideScreenExtra, this, &DemoRemote::hideScreenExtra);
+    connect(manager, &Manager::moveScreen, this, &DemoRemote::moveScreen);
+    connect(manager, &Manager::setScreenState, this, &DemoRemote::setScreenState);
+    connect(manager, &Manager::showMenuBar, this, &DemoRemote::showMenuBar);
+}
+
+QList<ContainerDialog*> DemoRemote::dialogs() const
+{
+    QList<ContainerDialog*> open;
+    for (const QPointer<ContainerDialog>& dialog : m_dialogs) {
+        if (dialog)
+            open.append(dialog);
+    }
+    return open;
+}
+
+void DemoRemote::showAlert(const QString& msg, bool)
+{
+    Request request;
+    request.title = tr("Alert");
+    request.message = msg;
+    request.buttons = tr("OK") + QStringLiteral(",1");
+    open(request, false);
+}
+
+void DemoRemote::showSimpleDialog(const QString& title, const QString& msg, const QString& button, bool, bool)
+{
+    Request request;
+    request.title = title;
+    request.message = msg;
+    request.buttons = button;
+    open(request, false);
+}
+
+void DemoRemote::showImageDialog(const QString& title, const QString& msg, const QString& imageFile,
+                                 const QString& button, bool, bool)
+{
+    Request request;
+    request.title = title;
+    request.message = msg;
+    request.imageFile = imageFile;
+    request.buttons = button;
+    open(request, false);
+}
+
+void DemoRemote::showDialogWithParams(const QString& title, const QString& msg, const QStringList& params,
+                                      const QString& button, bool, bool)
+{
+    Request request;
+    request.title = title;
+    request.message = msg;
+    request.parameters = params;
+    request.buttons = button;
+    open(request, false);
+}
+
+void DemoRemote::showDataEntryDialog(const QString& title, const QString& msg, const QString& button,
+                                     const QString& data, bool, bool)
+{
+    Request request;
+    request.kind = Request::DataEntry;
+    request.title = title;
+    request.message = msg;
+    request.buttons = button;
+    request.entry = data;
+    open(request, false);
+}
+
+void DemoRemote::showSimpleDialogBlocking(const QString& title, const QString& msg, const QString& button, bool)
+{
+    Request request;
+    request.title = title;
+    request.message = msg;
+    request.buttons = button;
+    open(request, true);
+}
+
+void DemoRemote::showImageDialogBlocking(const QString& title, const QString& msg, const QString& imageFile,
+                                         const QString& button, bool)
+{
+    Request request;
+    request.title = title;
+    request.message = msg;
+    request.imageFile = imageFile;
+    request.buttons = button;
+    open(request, true);
+}
+
+void DemoRemote::showDialogWithParamsBlocking(const QString& title, const QString& msg, const QStringList& params,
+                                              const QString& button, bool)
+{
+    Request request;
+    request.title = title;
+    request.message = msg;
+    request.parameters = params;
+    request.buttons = button;
+    open(request, true);
+}
+
+void DemoRemote::showDataEntryDialogBlocking(const QString& title, const QString& msg, const QString& button,
+                                             const QString& data, bool)
+{
+    Request request;
+    request.kind = Request::DataEntry;
+    request.title = title;
+    request.message = msg;
+    request.buttons = button;
+    request.entry = data;
+    open(request, true);
+}
+
+void DemoRemote::showFileSelectDialog(const QString& title, const QString& rootpath, const QString& path,
+                                      const QString& filename)
+{
+    Request request;
+    request.kind = Request::FileSelect;
+    request.title = title;
+    request.message = tr("Choose a file in %1").arg(rootpath);
+    request.buttons = tr("Open") + QStringLiteral(",1|") + tr("Cancel") + QStringLiteral(",0");
+    request.rootPath = rootpath;
+    request.entry = path;
+    request.filename = filename;
+    open(request, true);
+}
+
+void DemoRemote::open(const Request& request, bool wait)
+{
+    ContainerDialog* dialog = nullptr;
+    if (!m_desktop || !GlobalImpl::existingInstance())
+        qDebug() << "UserInterface - Demo host - desktop closing, remote dialog not shown:" << forLog(request.title);
+    else
+        dialog = build(request);
+    if (!dialog) {
+        switch (request.kind) {
+        case Request::DataEntry:
+            emit retResponse(cancelCode, request.entry);
+            break;
+        case Request::FileSelect:
+            emit retResponse(cancelCode, request.entry, request.filename);
+            break;
+        case Request::Message:
+            emit retResponse(cancelCode);
+            break;
+        }
+        return;
+    }
+
+    m_dialogs.append(dialog);
+    qDebug() << "UserInterface - Demo host - remote dialog shown:" << forLog(request.title);
+    if (!wait) {
+        // Nobody waits in exec(): a press answers and closes the dialog here.
+        for (Lumaro::gui::PushButtonImpl* button : dialog->findChildren<Lumaro::gui::PushButtonImpl*>()) {
+            connect(button, &Lumaro::gui::PushButtonImpl::buttonPressed, this, [this, dialog](const QString& code) {
+                answer(dialog, code.toLong());
+                forget(dialog);
+            });
+        }
+        dialog->show();
+        return;
+    }
+
+    dialog->setProperty(blockingProperty, true);
+    const QPointer<DemoRemote> self(this);
+    const QPointer<ContainerDialog> guard(dialog);
+    const int code = dialog->exec(true);
+    if (!self || !guard)
+        return;
+    answer(dialog, code);
+    forget(dialog);
+}
+
+ContainerDialog* DemoRemote::build(const Request& request)
+{
+    auto* dialog = new ContainerDialog(m_desktop);
+    dialog->setWindowTitle(request.title, 0);
+    dialog->setProperty(titleProperty, request.title);
+    dialog->setProperty(kindProperty, int(request.kind));
+
+    // The message and what comes with it scroll inside the dialog's text frame.
+    auto* textFrame = new QFrame;
+    textFrame->setObjectName(QStringLiteral("dialog_text"));
+    auto* frameLayout = new QVBoxLayout(textFrame);
+    auto* scrollArea = new QScrollArea;
+    scrollArea->setWidgetResizable(true);
+    scrollArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scrollArea->setVerticalScrollBar(new Lumaro::gui::VerticalScrollBarImpl);
+    auto* contents = new QWidget;
+    auto* contentsLayout = new QVBoxLayout(contents);
+    contentsLayout->addWidget(plainLabel(request.message));
+    for (const QString& parameter : request.parameters)
+        contentsLayout->addWidget(plainLabel(parameter));
+    if (!request.imageFile.isEmpty()) {
+        const QPixmap image(request.imageFile);
+        if (image.isNull()) {
+            qDebug() << "UserInterface - Demo host - remote dialog image not readable:" << forLog(request.imageFile);
+            contentsLayout->addWidget(plainLabel(tr("(image not available)")));
+        } else {
+            auto* picture = new QLabel;
+            picture->setObjectName(QStringLiteral("dialog_image"));
+            picture->setPixmap(image.scaled(QSize(320, 160), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+            picture->setAlignment(Qt::AlignCenter);
+            contentsLayout->addWidget(picture);
+        }
+    }
+    contentsLayout->addStretch(1);
+    scrollArea->setWidget(contents);
+    frameLayout->addWidget(scrollArea);
+
+    auto* layout = new QVBoxLayout;
+    layout->addWidget(textFrame, 1);
+    if (request.kind == Request::DataEntry) {
+        auto* caption = new QLabel(tr("Entry"));
+        caption->setObjectName(QStringLiteral("labelText"));
+        auto* entry = new QLineEdit(request.entry);
+        entry->setObjectName(QStringLiteral("lineEdit"));
+        layout->addWidget(caption);
+        layout->addWidget(entry);
+    } else if (request.kind == Request::FileSelect) {
+        const QDir root(request.rootPath);
+        if (!root.exists())
+            qDebug() << "UserInterface - Demo host - remote file selection: no folder" << forLog(request.rootPath);
+        auto* files = new QListWidget;
+        files->setObjectName(QStringLiteral("fileList"));
+        files->addItems(root.exists() ? root.entryList(QDir::Files, QDir::Name) : QStringList());
+        const QList<QListWidgetItem*> offered = files->findItems(request.filename, Qt::MatchExactly);
+        if (!offered.isEmpty())
+            files->setCurrentItem(offered.first());
+        layout->addWidget(files);
+        dialog->setProperty(rootPathProperty, root.absolutePath());
+        dialog->setProperty(offeredPathProperty, request.entry);
+        dialog->setProperty(offeredFilenameProperty, request.filename);
+    }
+
+    long count = 0;
+    layout->addLayout(ContainerDialog::createButtonLayout(dialog, request.buttons, count));
+    dialog->setLayout(layout);
+
+    const int entries = request.buttons.split(QLatin1Char('|')).size();
+    if (count < entries)
+        qDebug() << "UserInterface - Demo host - remote dialog" << forLog(request.title) << "-" << entries - count
+                 << "of" << entries << "button entries are not \"label,code\":" << forLog(request.buttons);
+    for (Lumaro::gui::PushButtonImpl* button : dialog->findChildren<Lumaro::gui::PushButtonImpl*>()) {
+        bool numeric = false;
+        button->button()->objectName().toLong(&numeric);
+        if (!numeric)
+            qDebug() << "UserInterface - Demo host - remote dialog" << forLog(request.title) << "- button"
+                     << button->buttonText() << "has no numeric code, it answers 0:"
+                     << forLog(button->button()->objectName());
+    }
+    if (count == 0) {
+        // Nothing could ever answer it, and its caller would wait for ever.
+        qDebug() << "UserInterface - Demo host - remote dialog" << forLog(request.title)
+                 << "has no button; answered" << cancelCode << "without showing it";
+        delete dialog;
+        return nullptr;
+    }
+    return dialog;
+}
+
+void DemoRemote::answer(ContainerDialog* dialog, long code)
+{
+    qDebug() << "UserInterface - Demo host - remote dialog answered:" << forLog(dialog->property(titleProperty).toString())
+             << code;
+    switch (Request::Kind(dialog->property(kindProperty).toInt())) {
+    case Request::DataEntry: {
+        const QLineEdit* entry = dialog->findChild<QLineEdit*>(QStringLiteral("lineEdit"));
+        emit retResponse(code, entry ? entry->text() : QString());
+        break;
+    }
+    case Request::FileSelect: {
+        const QListWidget* files = dialog->findChild<QListWidget*>(QStringLiteral("fileList"));
+        const QListWidgetItem* chosen = files ? files->currentItem() : nullptr;
+        if (code > 0 && chosen)
+            emit retResponse(code, dialog->property(rootPathProperty).toString(), chosen->text());
+        else
+            emit retResponse(code, dialog->property(offeredPathProperty).toString(),
+                             dialog->property(offeredFilenameProperty).toString());
+        break;
+    }
+    case Request::Message:
+        emit retResponse(code);
+        break;
+    }
+}
+
+void DemoRemote::forget(ContainerDialog* dialog)
+{
+    m_dialogs.removeAll(dialog);
+    dialog->hide();
+    dialog->deleteLater();
+}
+
+void DemoRemote::closeDialog(const QString& dialog)
+{
+    const QList<QPointer<ContainerDialog>> open = m_dialogs;
+    for (const QPointer<ContainerDialog>& candidate : open) {
+        if (!candidate || (!dialog.isNull() && candidate->property(titleProperty).toString() != dialog))
+            continue;
+        qDebug() << "UserInterface - Demo host - remote dialog closed:"
+                 << forLog(candidate->property(titleProperty).toString());
+        if (candidate->property(blockingProperty).toBool()) {
+            // Its exec() returns the cancel, and the waiting call gets it.
+            candidate->cancelDialog();
+        } else {
+            answer(candidate, cancelCode);
+            forget(candidate);
+        }
+    }
+}
+
+void DemoRemote::isDialogActive(const QString& dialog)
+{
+    bool open = false;
+    for (const QPointer<ContainerDialog>& candidate : qAsConst(m_dialogs))
+        open = open || (candidate && candidate->property(titleProperty).toString() == dialog);
+    emit retResponse(long(open ? 1 : 0));
+}
+
+bool DemoRemote::isRegisteredScreen(QWidget* screen)
+{
+    GlobalImpl* registry = GlobalImpl::existingInstance();
+    if (!screen || !registry)
+        return false;
+    const QList<QString> names = registry->getScreenList();
+    for (const QString& name : names) {
+        if (registry->getScreen(name) == screen)
+            return true;
+    }
+    return false;
+}
+
+void DemoRemote::showScreen(QWidget* screen)
+{
+    if (!isRegisteredScreen(screen)) {
+        qDebug() << "UserInterface - Demo host - remote: that screen is gone";
+        return;
+    }
+    screen->show();
+    screen->raise();
+    qDebug() << "UserInterface - Demo host - remote: screen shown" << screen->objectName();
+}
+
+void DemoRemote::hideScreen(QWidget* screen)
+{
+    if (!isRegisteredScreen(screen)) {
+        qDebug() << "UserInterface - Demo host - remote: that screen is gone";
+        return;
+    }
+    screen->hide();
+    qDebug() << "UserInterface - Demo host - remote: screen hidden" << screen->objectName();
+}
+
+void DemoRemote::showScreenExtra(QWidget* screen, const QString& extra)
+{
+    if (!isRegisteredScreen(screen)) {
+        qDebug() << "UserInterface - Demo host - remote: no screen for" << forLog(extra);
+        return;
+    }
+    screen->show();
+    if (extra == QLatin1String("back"))
+        screen->lower();
+    else if (extra == QLatin1String("front"))
+        screen->raise();
+    else
+        qDebug() << "UserInterface - Demo host - remote: unknown screen extra" << forLog(extra);
+}
+
+void DemoRemote::hideScreenExtra(QWidget* screen, const QString& extra)
+{
+    if (!isRegisteredScreen(screen)) {
+        qDebug() << "UserInterface - Demo host - remote: that screen is gone";
+        return;
+    }
+    if (extra == QLatin1String("back")) {
+        screen->lower();
+        return;
+    }
+    qDebug() << "UserInterface - Demo host - remote: unknown screen extra" << forLog(extra);
+    screen->hide();
+}
+
+void DemoRemote::moveScreen(QWidget* screen, int x, int y)
+{
+    if (!isRegisteredScreen(screen)) {
+        qDebug() << "UserInterface - Demo host - remote: that screen is gone";
+        return;
+    }
+    if (auto* container = qobject_cast<ContainerImpl*>(screen)) {
+        container->move(x, y);
+        // Where "Min" returns to from now on.
+        container->saveLocation();
+    } else {
+        screen->move(x, y);
+    }
+}
+
+void DemoRemote::setScreenState(ContainerImpl* container, const QString& size)
+{
+    if (!isRegisteredScreen(container)) {
+        qDebug() << "UserInterface - Demo host - remote: that screen is gone";
+        return;
+    }
+    container->setState(size);
+}
+
+void DemoRemote::showMenuBar(bool visible)
+{
+    GlobalImpl* registry = GlobalImpl::existingInstance();
+    MenuBar* menuBar = registry ? registry->topNavMenu() : nullptr;
+    if (!menuBar) {
+        qDebug() << "UserInterface - Demo host - remote: no navigation bar to show or hide";
+        return;
+    }
+    menuBar->showMenuBar(visible);
+}
