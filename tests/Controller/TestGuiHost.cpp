@@ -1,6 +1,6 @@
 // tz-test-guihost: a small desktop for the remote GUI service's tests. It builds the
 // registry, a desktop with the screens "Scope", "Meter" and "Спектр" (containers) and
-// "Notes" (a plain frame), the navigation bar, a "DCS" system screen and a stand-in layout
+// "Notes" (a plain frame), the navigation bar, a "DCS" system screen and the layout
 // store, and serves the GUI manager through the demo host's receiver. Arguments are
 // application options ("-ORBInitRef NameService=...", "-res 800x480", ...).
 //
@@ -24,6 +24,7 @@
 #include "MenuBar.h"
 #include "PushButtonImpl.h"
 #include "QTZMessageOutputControl.h"
+#include "ScreenStateManager.h"
 #include "SystemModule.h"
 
 #include <QApplication>
@@ -59,19 +60,6 @@ void logToStandardOutput(QtMsgType, const QMessageLogContext&, const QString& me
 }
 
 } // namespace
-
-// Plays the layout store the host registers as "ScreenStateManager": it hands out a fixed
-// layout and prints what it is asked to recall.
-class LayoutStoreStandIn : public QObject
-{
-    Q_OBJECT
-
-public:
-    using QObject::QObject;
-
-    Q_INVOKABLE QString store() const { return QStringLiteral("<ui_screen_states>Σ</ui_screen_states>"); }
-    Q_INVOKABLE void recall(QString data) { printLine(QStringLiteral("RECALL ") + data); }
-};
 
 class TestGuiHost : public QObject
 {
@@ -118,7 +106,7 @@ TestGuiHost::TestGuiHost()
     dcs->setObjectName(QStringLiteral("DCS"));
     dcs->hide();
     registry->systemModule()->setSystemScreen(QStringLiteral("DCS"), dcs);
-    registry->systemModule()->setModule(QStringLiteral("ScreenStateManager"), new LayoutStoreStandIn(this));
+    registry->systemModule()->setModule(QStringLiteral("ScreenStateManager"), new ScreenStateManager(this));
 
     m_menuBar = new MenuBar(m_desktop, Qt::AlignTop);
     registry->setTopNavMenu(m_menuBar.data());

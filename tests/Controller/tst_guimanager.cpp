@@ -139,7 +139,10 @@ private slots:
     void listsScreensInUtf8();
     void showsHidesMovesResizesAndStacksScreens();
     void opensDcsAndTogglesMenuBar();
-    void savesAndRestoresThroughLayoutStore();
+    void savesAndRestoresScreenArrangement();
+    void refusesBadLayoutAndKeepsDesktop_data();
+    void refusesBadLayoutAndKeepsDesktop();
+    void appliesWhatItCanOfLayoutWithUnknownScreens();
     void answersEachDialogKindWithPressedButton_data();
     void answersEachDialogKindWithPressedButton();
     void dialogThatDoesNotWaitReturnsPreviousAnswer();
@@ -159,6 +162,8 @@ private:
     // Asks the desktop about \a screen until its answer contains \a fragment (a size
     // state settles a moment after the request).
     bool screenShows(const QString& screen, const QString& fragment);
+    // The place of \a screen among the desktop's children: a larger one is higher.
+    int stackIndex(const QString& screen);
 
     NamingServiceProcess m_naming;
     GuiHost m_host;
@@ -192,12 +197,14 @@ void TestGuiManager::cleanup()
 bool TestGuiManager::screenShows(const QString& screen, const QString& fragment)
 {
     QDeadlineTimer deadline(hostTimeoutMs);
+    QString line;
     while (!deadline.hasExpired()) {
-        const QString line = m_host.ask(QStringLiteral("screen ") + screen, QStringLiteral("SCREEN ") + screen);
+        line = m_host.ask(QStringLiteral("screen ") + screen, QStringLiteral("SCREEN ") + screen);
         if (line.contains(fragment))
             return true;
         QTest::qWait(20);
     }
+    qWarning().noquote() << "the desktop's last word:" << line;
     return false;
 }
 
@@ -244,10 +251,7 @@ void TestGuiManager::showsHidesMovesResizesAndStacksScreens()
     QVERIFY(screenShows("Scope", "state=Min"));
 
     // "name,extra": shown behind the others, or sent behind them instead of hidden.
-    auto z = [this](const char* name) {
-        const QString line = m_host.ask(QStringLiteral("screen %1").arg(name), QStringLiteral("SCREEN %1").arg(name));
-        return line.section(QStringLiteral("z="), 1).toInt();
-    };
+    auto z = [this](const char* name) { return stackIndex(QString::fromUtf8(name)); };
     m_manager->ShowScreen("Meter");
     m_manager->ShowScreen("Scope,back");
     QVERIFY(z("Scope") < z("Meter"));
@@ -270,12 +274,102 @@ void TestGuiManager::opensDcsAndTogglesMenuBar()
     QCOMPARE(m_host.ask("menubar", "MENUBAR"), QStringLiteral("MENUBAR open=0"));
 }
 
-void TestGuiManager::savesAndRestoresThroughLayoutStore()
+int TestGuiManager::stackIndex(const QString& screen)
 {
-    CORBA::String_var layout = m_manager->SaveState();
-    QCOMPARE(fromCorba(layout), QStringLiteral("<ui_screen_states>Σ</ui_screen_states>"));
-    m_manager->RestoreState("<ui_screen_states><screen name=\"Спектр\"/></ui_screen_states>");
-    QCOMPARE(m_host.waitFor("RECALL"), QStringLiteral("RECALL <ui_screen_states><screen name=\"Спектр\"/></ui_screen_states>"));
+    const QString line = m_host.ask(QStringLiteral("screen ") + screen, QStringLiteral("SCREEN ") + screen);
+    return line.section(QStringLiteral("z="), 1).toInt();
+}
+
+void TestGuiManager::savesAndRestoresScreenArrangement()
+{
+    m_manager->ShowScreen("Scope");
+    m_manager->ShowScreen("Meter");
+    m_manager->ShowScreen("Спектр");
+    m_manager->ChangeSize("Scope", "Min");
+    m_manager->ChangeSize("Meter", "Min");
+    m_manager->MoveScreen("Scope", 40, 50);
+    m_manager->MoveScreen("Meter", 300, 60);
+    m_manager->ChangeSize("Спектр", "Max");
+    m_manager->ShowScreen("Scope,front");
+    QVERIFY(screenShows("Спектр", "state=Max"));
+    QVERIFY(screenShows("Scope", "x=40 y=50"));
+    QVERIFY(stackIndex("Scope") > stackIndex("Meter"));
+
+    CORBA::String_var saved = m_manager->SaveState();
+    const QString layout = fromCorba(saved);
+    QVERIFY2(layout.startsWith(QStringLiteral("<ui_screen_states>")), qPrintable(layout));
+    QVERIFY(layout.contains(QStringLiteral("name=\"Спектр\"")));
+
+    // Everything changed, then the stored arrangement comes back.
+    m_manager->MoveScreen("Scope", 400, 200);
+    m_manager->HideScreen("Meter");
+    m_manager->ChangeSize("Спектр", "Min");
+    m_manager->ShowScreen("Meter,front");
+    QVERIFY(screenShows("Спектр", "state=Min"));
+    QVERIFY(stackIndex("Meter") > stackIndex("Scope"));
+
+    m_manager->RestoreState(saved.in());
+    QVERIFY(screenShows("Scope", "visible=1 x=40 y=50 state=Min"));
+    QVERIFY(screenShows("Meter", "visible=1 x=300 y=60 state=Min"));
+    QVERIFY(screenShows("Спектр", "state=Max"));
+    QVERIFY(stackIndex("Scope") > stackIndex("Meter"));
+    m_manager->ChangeSize("Спектр", "Min");
+    QVERIFY(screenShows("Спектр", "state=Min"));
+}
+
+void TestGuiManager::refusesBadLayoutAndKeepsDesktop_data()
+{
+    QTest::addColumn<QByteArray>("layout");
+    QTest::addColumn<QString>("expectedLog");
+
+    QTest::newRow("not XML") << QByteArray("this is no layout <") << "Error processing Recall data:";
+    QTest::newRow("wrong root") << QByteArray("<layout><screen name=\"Scope\" pos=\"1,1\"/></layout>")
+                                << "the root element is \"layout\"";
+    QTest::newRow("nested 100000 deep") << "<ui_screen_states>" + QByteArray("<a>").repeated(100000)
+                                        << "elements nested deeper than";
+    QTest::newRow("entity expansion") << QByteArray("<?xml version=\"1.0\"?><!DOCTYPE l [<!ENTITY a \"aaaaaaaaaa\">"
+                                                    "<!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\">"
+                                                    "<!ENTITY c \"&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;\">]>"
+                                                    "<ui_screen_states><screen name=\"&c;\"/></ui_screen_states>")
+                                      << "a document type declaration";
+    QTest::newRow("longer than a layout") << "<ui_screen_states>" + QByteArray(1100000, ' ') + "</ui_screen_states>"
+                                          << "characters, more than";
+}
+
+void TestGuiManager::refusesBadLayoutAndKeepsDesktop()
+{
+    QFETCH(QByteArray, layout);
+    QFETCH(QString, expectedLog);
+
+    m_manager->ShowScreen("Scope");
+    m_manager->MoveScreen("Scope", 120, 140);
+    QVERIFY(screenShows("Scope", "visible=1 x=120 y=140"));
+    m_manager->RestoreState(layout.constData());
+    QVERIFY2(!m_host.waitFor(expectedLog).isEmpty(), qPrintable(expectedLog));
+    QVERIFY(screenShows("Scope", "visible=1 x=120 y=140"));
+}
+
+void TestGuiManager::appliesWhatItCanOfLayoutWithUnknownScreens()
+{
+    m_manager->ShowScreen("Meter");
+    const QByteArray layout = "<ui_screen_states>"
+                              "<screen name=\"Nowhere\" pos=\"1,1\" state=\"Min\" visible=\"1\" z_index=\"1\"/>"
+                              "<screen name=\"" + QByteArray(300000, 'n') + "\" pos=\"1,1\" visible=\"1\"/>"
+                              "<screen name=\"Scope\" pos=\"99999999999,-7\" state=\"Huge\" visible=\"1\""
+                              " min_geometry=\"" + QByteArray(100000, '9') + "\" z_index=\"x\"/>"
+                              "</ui_screen_states>";
+    m_manager->RestoreState(layout.constData());
+    QVERIFY(!m_host.waitFor("Screen not available! \"Nowhere\"").isEmpty());
+    QVERIFY(!m_host.waitFor("Screen not available! \"nnnnnnnn").isEmpty());
+    QVERIFY(!m_host.waitFor("unknown state \"Huge\" for \"Scope\"").isEmpty());
+    // Numbers that are none read as 0, and a place off the desktop is brought back on it.
+    QVERIFY(!m_host.waitFor("position 0 -7 outside the desktop for \"Scope\"").isEmpty());
+    const QString scope = m_host.ask("screen Scope", "SCREEN Scope");
+    const int x = scope.section(QStringLiteral("x="), 1).section(QLatin1Char(' '), 0, 0).toInt();
+    const int y = scope.section(QStringLiteral("y="), 1).section(QLatin1Char(' '), 0, 0).toInt();
+    QVERIFY2(scope.contains("visible=1") && x >= 0 && x < 800 && y >= 0 && y < 480, qPrintable(scope));
+    // The screens the layout does not name are closed.
+    QVERIFY(screenShows("Meter", "visible=0"));
 }
 
 void TestGuiManager::answersEachDialogKindWithPressedButton_data()

@@ -25,8 +25,6 @@ namespace {
 
 const char sourceFile[] = "Components/Source/Controller/GUIManagerImpl";
 
-// Layouts are short (a few hundred characters per screen); a longer text is no layout.
-constexpr int maxLayoutLength = 256 * 1024;
 // Without a desktop to measure, positions beyond this are off any screen.
 constexpr int maxCoordinate = 32767;
 
@@ -492,12 +490,8 @@ void GUIManagerImpl::RestoreState(const char* data)
     try {
         if (!serving("RestoreState"))
             return;
+        // The store judges the text: it is the one place that reads layouts.
         const QString layout = CorbaText::fromCorba(data);
-        if (layout.size() > maxLayoutLength) {
-            qDebug() << "UserInterface - GUIManager - RestoreState - a layout of" << layout.size()
-                     << "characters is refused";
-            return;
-        }
         bool found = false;
         bool called = false;
         // The layout is applied in the GUI thread, where the widgets it moves live.

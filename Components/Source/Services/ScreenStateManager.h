@@ -25,7 +25,7 @@ class TZUICOMPONENTS_EXPORT ScreenStateManager : public QObject
 public:
     /// Layout texts longer than this (in characters) are refused: a layout holds a line
     /// or two per screen.
-    static constexpr int MaxLayoutLength = 256 * 1024;
+    static constexpr int MaxLayoutLength = 1024 * 1024;
     /// Elements nested deeper than this are refused before the text is parsed (a stored
     /// layout is two deep); a hostile depth would overflow the parser's stack.
     static constexpr int MaxDepth = 16;
