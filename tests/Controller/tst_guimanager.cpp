@@ -10,7 +10,10 @@
 
 #include <GUIManager.hh>
 
+#include <QDir>
+#include <QFile>
 #include <QProcess>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -108,6 +111,8 @@ public:
         return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
     }
 
+    qint64 pid() const { return m_process.processId(); }
+
     int stop()
     {
         if (m_process.state() == QProcess::NotRunning)
@@ -122,6 +127,39 @@ private:
     QString m_output;
     int m_cursor = 0;
 };
+
+// The port on 127.0.0.1 where process \a pid listens for TCP connections (its ORB's
+// endpoint), read from /proc; 0 when there is none.
+quint16 listeningPort(qint64 pid)
+{
+    QSet<QString> inodes;
+    const QDir fds(QStringLiteral("/proc/%1/fd").arg(pid));
+    for (const QFileInfo& fd : fds.entryInfoList(QDir::System | QDir::NoDotAndDotDot)) {
+        const QString target = fd.symLinkTarget().section(QLatin1Char('/'), -1);
+        if (target.startsWith(QLatin1String("socket:[")))
+            inodes.insert(target.mid(8, target.size() - 9));
+    }
+    QFile table(QStringLiteral("/proc/net/tcp"));
+    if (!table.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray& line : table.readAll().split('\n')) {
+        // sl local_address rem_address st ... inode: 0100007F:PORT is 127.0.0.1, 0A listening.
+        const QList<QByteArray> fields = line.simplified().split(' ');
+        if (fields.size() > 9 && fields.at(3) == "0A" && fields.at(1).startsWith("0100007F:")
+            && inodes.contains(QString::fromLatin1(fields.at(9))))
+            return quint16(fields.at(1).mid(9).toUInt(nullptr, 16));
+    }
+    return 0;
+}
+
+// A GIOP 1.2 message header, little-endian, claiming a body of \a size bytes.
+QByteArray giopHeader(quint32 size)
+{
+    QByteArray header("GIOP\x01\x02\x01\x00", 8);
+    for (int shift = 0; shift < 32; shift += 8)
+        header.append(char((size >> shift) & 0xff));
+    return header;
+}
 
 } // namespace
 
@@ -149,6 +187,8 @@ private slots:
     void closesNamedAndAllDialogs();
     void logsBadInputAndStaysUp_data();
     void logsBadInputAndStaysUp();
+    void survivesMalformedGiop_data();
+    void survivesMalformedGiop();
     void servesEightClientsAtOnce();
     void survivesClientThatDiesWhileItsDialogIsOpen();
     void secondDesktopTakesTheNameOver();
@@ -541,6 +581,44 @@ void TestGuiManager::logsBadInputAndStaysUp()
     QString ignored;
     QCOMPARE(call(m_manager.in(), &ignored), expectedCode);
     QVERIFY2(!m_host.waitFor(expectedLog).isEmpty(), qPrintable(expectedLog));
+    Lumaro::gui::StringSeq_var screens = m_manager->GetScreenList();
+    QCOMPARE(screens->length(), CORBA::ULong(4));
+}
+
+void TestGuiManager::survivesMalformedGiop_data()
+{
+    QTest::addColumn<QByteArray>("message");
+
+    QTest::newRow("size beyond any limit") << giopHeader(0x7ffffff0) + QByteArray(64, '\0');
+    QTest::newRow("truncated") << giopHeader(200) + QByteArray(20, '\x01');
+    // A request whose object key claims two gigabytes inside a body of twelve bytes.
+    QTest::newRow("object key lies about its length")
+        << giopHeader(16) + QByteArray("\x07\0\0\0\x03\0\0\0\0\0\0\0\xff\xff\xff\x7f", 16);
+    QTest::newRow("not GIOP") << QByteArray("GET / HTTP/1.0\r\n\r\n");
+}
+
+void TestGuiManager::survivesMalformedGiop()
+{
+    QFETCH(QByteArray, message);
+
+    const quint16 port = listeningPort(m_host.pid());
+    QVERIFY(port != 0);
+    QTcpSocket socket;
+    socket.connectToHost(QStringLiteral("127.0.0.1"), port);
+    QVERIFY(socket.waitForConnected(hostTimeoutMs));
+    socket.write(message);
+    QVERIFY(socket.waitForBytesWritten(hostTimeoutMs));
+    // The ORB answers with a GIOP error or a system exception, or hangs up.
+    QByteArray answer;
+    QDeadlineTimer deadline(3000);
+    while (socket.state() == QAbstractSocket::ConnectedState && answer.size() < 12 && !deadline.hasExpired()) {
+        socket.waitForReadyRead(100);
+        answer += socket.readAll();
+    }
+    if (!answer.isEmpty())
+        QVERIFY2(answer.startsWith("GIOP"), answer.toHex().constData());
+    socket.abort();
+
     Lumaro::gui::StringSeq_var screens = m_manager->GetScreenList();
     QCOMPARE(screens->length(), CORBA::ULong(4));
 }
