@@ -368,11 +368,8 @@ StringSeq* GUIManagerImpl::GetScreenList()
     StringSeq_var list = new StringSeq;
     try {
         if (serving("GetScreenList")) {
-            QList<QString> names;
-            inGuiThread([&] {
-                if (GlobalImpl* registry = GlobalImpl::existingInstance())
-                    names = registry->getScreenList();
-            });
+            // Read beside the registry: the list is answered even while the GUI is busy.
+            const QList<QString> names = GlobalImpl::screenNamesFromAnyThread();
             list->length(CORBA::ULong(names.size()));
             for (int i = 0; i < names.size(); ++i)
                 list[CORBA::ULong(i)] = CorbaText::toCorba(names.at(i));

@@ -122,8 +122,21 @@ GlobalImpl::GlobalImpl(QObject* parent)
         publish(this);
 }
 
+namespace {
+
+// The registered names as remote callers read them, on ORB threads that must not wait for
+// the GUI thread. Static, so that a reader never holds on to a registry being deleted.
+std::mutex screenNamesMutex;
+QList<QString> screenNames;
+
+} // namespace
+
 GlobalImpl::~GlobalImpl()
 {
+    {
+        std::lock_guard<std::mutex> guard(screenNamesMutex);
+        screenNames.clear();
+    }
     {
         std::lock_guard<std::mutex> guard(instanceMutex);
         GlobalImpl* expected = this;
@@ -188,19 +201,39 @@ void GlobalImpl::releaseEntryMechanism(QWidget* widget)
         m_entryMechanism = nullptr;
 }
 
+void GlobalImpl::publishScreenNames()
+{
+    std::lock_guard<std::mutex> guard(screenNamesMutex);
+    screenNames = m_screens.keys();
+}
+
+QList<QString> GlobalImpl::screenNamesFromAnyThread()
+{
+    std::lock_guard<std::mutex> guard(screenNamesMutex);
+    return screenNames;
+}
+
 void GlobalImpl::addScreen(const QString& name, QWidget* widget)
 {
     m_screens.insert(name, widget);
+    publishScreenNames();
 }
 
 QWidget* GlobalImpl::getScreen(const QString& name)
 {
-    return m_screens[name];
+    const auto found = m_screens.constFind(name);
+    if (found != m_screens.constEnd())
+        return *found;
+    m_screens.insert(name, nullptr);
+    publishScreenNames();
+    return nullptr;
 }
 
 bool GlobalImpl::removeScreen(const QString& name)
 {
-    return m_screens.remove(name) > 0;
+    const bool removed = m_screens.remove(name) > 0;
+    publishScreenNames();
+    return removed;
 }
 
 QList<QString> GlobalImpl::getScreenList() const

@@ -119,6 +119,9 @@ public:
     bool removeScreen(const QString& name);
     /// All registered names, in no defined order.
     QList<QString> getScreenList() const;
+    /// The same names, from any thread and without waiting for the GUI thread; empty
+    /// once the registry is gone.
+    static QList<QString> screenNamesFromAnyThread();
     /// Registers \a replacement under the name of \a registered; nothing happens when
     /// \a registered is not a registered screen.
     void swapMenuItems(QWidget* registered, QWidget* replacement);
@@ -201,6 +204,9 @@ private:
     QList<QPointer<QThread>> m_subscriberThreads;
     std::unique_ptr<QScriptEngine> m_scriptEngine;
     QPoint m_dialogLastPosition;
+    // Keeps screenNamesFromAnyThread() in line with the table.
+    void publishScreenNames();
+
     QHash<QString, QPointer<QWidget>> m_screens;
 };
 
