@@ -124,109 +124,89 @@ QList<ContainerDialog*> DemoRemote::dialogs() const
     return open;
 }
 
-void DemoRemote::showAlert(const QString& msg, bool)
-{
-    Request request;
-    request.title = tr("Alert");
-    request.message = msg;
-    request.buttons = tr("OK") + QStringLiteral(",1");
-    open(request, false);
-}
-
-void DemoRemote::showSimpleDialog(const QString& title, const QString& msg, const QString& button, bool, bool)
+DemoRemote::Request DemoRemote::message(const QString& title, const QString& msg, const QString& buttons)
 {
     Request request;
     request.title = title;
     request.message = msg;
-    request.buttons = button;
-    open(request, false);
+    request.buttons = buttons;
+    return request;
+}
+
+DemoRemote::Request DemoRemote::dataEntry(const QString& title, const QString& msg, const QString& buttons,
+                                          const QString& offered)
+{
+    Request request = message(title, msg, buttons);
+    request.kind = Request::DataEntry;
+    request.entry = offered;
+    return request;
+}
+
+void DemoRemote::showAlert(const QString& msg, bool)
+{
+    open(message(tr("Alert"), msg, tr("OK") + QStringLiteral(",1")), false);
+}
+
+void DemoRemote::showSimpleDialog(const QString& title, const QString& msg, const QString& button, bool, bool)
+{
+    open(message(title, msg, button), false);
 }
 
 void DemoRemote::showImageDialog(const QString& title, const QString& msg, const QString& imageFile,
                                  const QString& button, bool, bool)
 {
-    Request request;
-    request.title = title;
-    request.message = msg;
+    Request request = message(title, msg, button);
     request.imageFile = imageFile;
-    request.buttons = button;
     open(request, false);
 }
 
 void DemoRemote::showDialogWithParams(const QString& title, const QString& msg, const QStringList& params,
                                       const QString& button, bool, bool)
 {
-    Request request;
-    request.title = title;
-    request.message = msg;
+    Request request = message(title, msg, button);
     request.parameters = params;
-    request.buttons = button;
     open(request, false);
 }
 
 void DemoRemote::showDataEntryDialog(const QString& title, const QString& msg, const QString& button,
                                      const QString& data, bool, bool)
 {
-    Request request;
-    request.kind = Request::DataEntry;
-    request.title = title;
-    request.message = msg;
-    request.buttons = button;
-    request.entry = data;
-    open(request, false);
+    open(dataEntry(title, msg, button, data), false);
 }
 
 void DemoRemote::showSimpleDialogBlocking(const QString& title, const QString& msg, const QString& button, bool)
 {
-    Request request;
-    request.title = title;
-    request.message = msg;
-    request.buttons = button;
-    open(request, true);
+    open(message(title, msg, button), true);
 }
 
 void DemoRemote::showImageDialogBlocking(const QString& title, const QString& msg, const QString& imageFile,
                                          const QString& button, bool)
 {
-    Request request;
-    request.title = title;
-    request.message = msg;
+    Request request = message(title, msg, button);
     request.imageFile = imageFile;
-    request.buttons = button;
     open(request, true);
 }
 
 void DemoRemote::showDialogWithParamsBlocking(const QString& title, const QString& msg, const QStringList& params,
                                               const QString& button, bool)
 {
-    Request request;
-    request.title = title;
-    request.message = msg;
+    Request request = message(title, msg, button);
     request.parameters = params;
-    request.buttons = button;
     open(request, true);
 }
 
 void DemoRemote::showDataEntryDialogBlocking(const QString& title, const QString& msg, const QString& button,
                                              const QString& data, bool)
 {
-    Request request;
-    request.kind = Request::DataEntry;
-    request.title = title;
-    request.message = msg;
-    request.buttons = button;
-    request.entry = data;
-    open(request, true);
+    open(dataEntry(title, msg, button, data), true);
 }
 
 void DemoRemote::showFileSelectDialog(const QString& title, const QString& rootpath, const QString& path,
                                       const QString& filename)
 {
-    Request request;
+    Request request = message(title, tr("Choose a file in %1").arg(rootpath),
+                              tr("Open") + QStringLiteral(",1|") + tr("Cancel") + QStringLiteral(",0"));
     request.kind = Request::FileSelect;
-    request.title = title;
-    request.message = tr("Choose a file in %1").arg(rootpath);
-    request.buttons = tr("Open") + QStringLiteral(",1|") + tr("Cancel") + QStringLiteral(",0");
     request.rootPath = rootpath;
     request.entry = path;
     request.filename = filename;

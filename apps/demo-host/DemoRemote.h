@@ -101,6 +101,8 @@ private:
         QString filename;
     };
 
+    static Request message(const QString& title, const QString& msg, const QString& buttons);
+    static Request dataEntry(const QString& title, const QString& msg, const QString& buttons, const QString& offered);
     void open(const Request& request, bool wait);
     ContainerDialog* build(const Request& request);
     // Hands the answer of \a dialog back, with its entry text or file selection.
