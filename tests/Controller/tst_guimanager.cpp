@@ -244,7 +244,7 @@ bool TestGuiManager::screenShows(const QString& screen, const QString& fragment)
             return true;
         QTest::qWait(20);
     }
-    qWarning().noquote() << "the desktop's last word:" << line;
+    qWarning().noquote() << "the desktop's last word:" << line << "- after:\n" << m_host.outputSince(0).right(3000);
     return false;
 }
 

@@ -14,6 +14,7 @@ private slots:
     void buildsDesktopAndQuitsOnClose_data();
     void buildsDesktopAndQuitsOnClose();
     void diagnosticsStayOffWithoutDebug();
+    void servesRemoteGuiWhenGivenNamingService();
 
 private:
     // Runs the host until it ends by itself; returns its exit code (-1 when it had to be
@@ -91,6 +92,40 @@ void TestDemoHost::diagnosticsStayOffWithoutDebug()
              qPrintable(errorOutput));
     QVERIFY(!errorOutput.contains(QStringLiteral("UserInterface - Global::Global")));
     QVERIFY(!errorOutput.contains(QStringLiteral("Demo host - exit")));
+}
+
+void TestDemoHost::servesRemoteGuiWhenGivenNamingService()
+{
+    NamingServiceProcess naming;
+    QVERIFY(naming.start());
+    QProcess host;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    host.setProcessEnvironment(environment);
+    host.setProcessChannelMode(QProcess::ForwardedChannels);
+    host.start(QStringLiteral(TZ_DEMO_HOST), naming.orbArguments() + QStringList{"-res", "800x480", "-quit-after", "20000"});
+    QVERIFY(host.waitForStarted());
+
+    // The demo's screens, as an engine lists them once the host has bound the service.
+    QStringList screens;
+    QDeadlineTimer deadline(15000);
+    while (!screens.contains(QStringLiteral("Power Meter")) && !deadline.hasExpired()) {
+        QProcess client;
+        client.start(QStringLiteral(TZ_GUI_CLIENT), naming.orbArguments() + QStringList{"--screens"});
+        client.waitForFinished(5000);
+        screens = QString::fromUtf8(client.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        if (!screens.contains(QStringLiteral("Power Meter")))
+            QTest::qWait(100);
+    }
+    QVERIFY2(screens.contains(QStringLiteral("Power Meter")) && screens.contains(QStringLiteral("Notes")),
+             qPrintable(screens.join(", ")));
+    QProcess client;
+    client.start(QStringLiteral(TZ_GUI_CLIENT), naming.orbArguments() + QStringList{"--dcs"});
+    QVERIFY(client.waitForFinished(5000));
+    QCOMPARE(client.exitCode(), 0);
+
+    host.terminate();
+    host.close();
 }
 
 QTEST_GUILESS_MAIN(TestDemoHost)
