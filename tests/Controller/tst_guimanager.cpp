@@ -244,7 +244,8 @@ bool TestGuiManager::screenShows(const QString& screen, const QString& fragment)
             return true;
         QTest::qWait(20);
     }
-    qWarning().noquote() << "the desktop's last word:" << line << "- after:\n" << m_host.outputSince(0).right(3000);
+    QStringList log = m_host.outputSince(0).split(QLatin1Char('\n')).filter(QRegularExpression(QStringLiteral("^(?!SCREEN)")));
+    qWarning().noquote() << "the desktop's last word:" << line << "- its log ends:\n" << log.mid(log.size() - 40).join('\n');
     return false;
 }
 

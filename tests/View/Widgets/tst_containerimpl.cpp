@@ -77,6 +77,7 @@ private slots:
     void rejectsUnknownNamesAndMalformedSizes();
     void configuredSizeAppliesOnNextEntry();
     void requestsDuringAnimationEndInLastState();
+    void moveDuringSizeChangeWins();
     void maximizeClosesOpenNavigationBar();
     void dragLandsInsideDesktopAndOnGrid_data();
     void dragLandsInsideDesktopAndOnGrid();
@@ -591,6 +592,20 @@ void TestContainerImpl::configuredSizeAppliesOnNextEntry()
     QCOMPARE(container->geometry(), QRect(30, 150, 350, 220));
     QCOMPARE(container->minimumSize(), QSize(350, 220));
     QCOMPARE(desk.manager->reservedCells(container), desk.cellsOf(container->geometry()));
+}
+
+void TestContainerImpl::moveDuringSizeChangeWins()
+{
+    ContainerTestDesktop desk(QStringLiteral("benchtop"), QVariant(), true);
+    ContainerImpl* container = desk.addContainer();
+    container->setState(QStringLiteral("Max"));
+    QTRY_VERIFY_WITH_TIMEOUT(settled(container), 2000);
+    // Back to "Min", and moved (as a remote request does) while on the way there.
+    container->setState(QStringLiteral("Min"));
+    container->move(400, 300);
+    QTRY_VERIFY_WITH_TIMEOUT(settled(container), 2000);
+    QTest::qWait(100);
+    QCOMPARE(container->pos(), QPoint(400, 300));
 }
 
 void TestContainerImpl::requestsDuringAnimationEndInLastState()

@@ -313,6 +313,9 @@ void ContainerImpl::move(const QPoint& position)
 
 void ContainerImpl::move(int x, int y)
 {
+    // A size change still on its way would carry the container back to where it was
+    // heading; it ends first, and the move wins.
+    finishGeometryChange();
     QWidget::move(x, y);
     emit newPos(QPoint(x, y));
     moveDrawers(x, y);

@@ -80,7 +80,8 @@ public:
     /// state allows.
     Q_INVOKABLE void setState(QString state);
 
-    /// Moves the container and everything that follows it; emits newPos().
+    /// Moves the container and everything that follows it; emits newPos(). A size
+    /// change still animating is finished first.
     virtual void move(const QPoint& position);
     Q_INVOKABLE virtual void move(int x, int y);
     /// Lets the drawers follow the container's size; nothing to do without drawers.
