@@ -1,5 +1,7 @@
 #include "DDS_BaseObj.h"
 
+#include "HostAddress.h"
+
 #include <fastdds/dds/domain/DomainParticipantFactory.hpp>
 #include <fastdds/rtps/transport/UDPv4TransportDescriptor.h>
 #include <fastrtps/utils/IPLocator.h>
@@ -62,7 +64,7 @@ DomainParticipant* createParticipant(eprosima::fastdds::dds::DomainId_t domain)
         }
         return factory->create_participant(domain, factory->get_default_participant_qos());
     }
-    return factory->create_participant(domain, DDS_BaseObj::loopbackParticipantQos());
+    return factory->create_participant(domain, DDS_BaseObj::participantQos(HostAddress::process()));
 }
 
 } // namespace
@@ -71,6 +73,11 @@ DDS_BaseObj::~DDS_BaseObj() = default;
 
 DomainParticipantQos DDS_BaseObj::loopbackParticipantQos()
 {
+    return participantQos(HostAddress::fromValues(nullptr, nullptr, nullptr));
+}
+
+DomainParticipantQos DDS_BaseObj::participantQos(const HostAddress& address)
+{
     using eprosima::fastrtps::rtps::IPLocator;
     using eprosima::fastrtps::rtps::Locator_t;
 
@@ -78,7 +85,7 @@ DomainParticipantQos DDS_BaseObj::loopbackParticipantQos()
     qos.name("orvanth-" + std::to_string(getpid()));
 
     auto udp = std::make_shared<eprosima::fastdds::rtps::UDPv4TransportDescriptor>();
-    udp->interfaceWhiteList.emplace_back("127.0.0.1");
+    udp->interfaceWhiteList.emplace_back(address.own());
     udp->maxInitialPeersRange = PeerRange;
     qos.transport().use_builtin_transports = false;
     qos.transport().user_transports.clear();
@@ -86,16 +93,24 @@ DomainParticipantQos DDS_BaseObj::loopbackParticipantQos()
 
     // Port 0 lets Fast DDS fill in the well-known ports of the domain. Giving a unicast
     // metatraffic locator keeps discovery from adding its default multicast group.
-    Locator_t loopback;
-    loopback.kind = LOCATOR_KIND_UDPv4;
-    IPLocator::setIPv4(loopback, 127, 0, 0, 1);
+    auto locator = [](const std::string& ip) {
+        Locator_t result;
+        result.kind = LOCATOR_KIND_UDPv4;
+        IPLocator::setIPv4(result, ip);
+        return result;
+    };
     auto& builtin = qos.wire_protocol().builtin;
     builtin.initialPeersList.clear();
-    builtin.initialPeersList.push_back(loopback);
+    // Every host asks the instrument; the instrument's participants find each other
+    // there too. Participants on another host also ask their own address, or two engines
+    // beside each other there would never meet.
+    builtin.initialPeersList.push_back(locator(address.instrument()));
+    if (address.own() != address.instrument())
+        builtin.initialPeersList.push_back(locator(address.own()));
     builtin.metatrafficUnicastLocatorList.clear();
-    builtin.metatrafficUnicastLocatorList.push_back(loopback);
+    builtin.metatrafficUnicastLocatorList.push_back(locator(address.own()));
     qos.wire_protocol().default_unicast_locator_list.clear();
-    qos.wire_protocol().default_unicast_locator_list.push_back(loopback);
+    qos.wire_protocol().default_unicast_locator_list.push_back(locator(address.own()));
     return qos;
 }
 

@@ -7,6 +7,8 @@
 
 #include <string>
 
+class HostAddress;
+
 namespace Orvanth {
 
 /// The process's DDS context: its domain and its one participant.
@@ -22,9 +24,10 @@ struct DDS_Context
  *
  * The participant is created on first use. Its domain comes from ORVANTH_DDS_DOMAIN
  * (default 0). Unless ORVANTH_DDS_PROFILE names a Fast DDS XML profile file, the
- * participant is restricted to unicast UDPv4 on 127.0.0.1: nothing of it listens on
- * another interface and nothing is sent to a multicast group. ORVANTH_DDS_DISABLE=1
- * runs the process without DDS.
+ * participant is restricted to unicast UDPv4 on the process's own address (HostAddress:
+ * 127.0.0.1 unless ORVANTH_INSTRUMENT_HOST is set) and finds its peers by asking the
+ * instrument's address: nothing of it listens on another interface and nothing is sent
+ * to a multicast group. ORVANTH_DDS_DISABLE=1 runs the process without DDS.
  */
 class DDS_BaseObj
 {
@@ -34,8 +37,11 @@ public:
     /// The process's DDS context; its participant is null when DDS could not start.
     static DDS_Context& DdsBase();
 
-    /// The participant QoS used when no profile file is given.
+    /// The participant QoS of a process on loopback only.
     static eprosima::fastdds::dds::DomainParticipantQos loopbackParticipantQos();
+    /// The participant QoS used when no profile file is given, for a process placed at
+    /// \a address: UDPv4 on its own address only, the instrument as the initial peer.
+    static eprosima::fastdds::dds::DomainParticipantQos participantQos(const HostAddress& address);
 
     /// The topic \a name of type \a typeName for one more reader or writer of this process:
     /// a proxy of the topic when another entity has made it already, a new topic otherwise;

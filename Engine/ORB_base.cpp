@@ -1,12 +1,16 @@
 #include "ORB_base.h"
 
+#include "HostAddress.h"
+
 #include <algorithm>
+#include <cstring>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <limits>
 #include <mutex>
 #include <set>
+#include <unistd.h>
 
 namespace {
 
@@ -24,7 +28,11 @@ const char* const foreignOptions[] = {
     "-ORBUseLocalMemoryPool", "-ORBMuxedConnectionMax", "-ORBEndpoint", "-ORBId",
 };
 
-const char loopbackEndpoint[] = "giop:tcp:127.0.0.1:";
+// The endpoint every process listens on and publishes: its own address, any free port.
+std::string ownEndpoint(const HostAddress& address)
+{
+    return "giop:tcp:" + address.own() + ":";
+}
 
 bool isForeign(const std::string& option)
 {
@@ -43,6 +51,13 @@ bool takesValue(const std::vector<std::string>& options, std::size_t index)
 }
 
 const char callTimeoutOption[] = "-ORBclientCallTimeOutPeriod";
+const char connectTimeoutOption[] = "-ORBclientConnectTimeOutPeriod";
+const char initRefOption[] = "-ORBInitRef";
+
+bool startsWith(const char* text, const char* prefix)
+{
+    return text && std::strncmp(text, prefix, std::strlen(prefix)) == 0;
+}
 
 // The process-wide call time-out from ORVANTH_CALL_TIMEOUT_MS; \a warning says why the
 // variable was not taken.
@@ -59,18 +74,33 @@ int callTimeoutMs(std::string* warning)
     return ORB_base::DefaultCallTimeoutMs;
 }
 
-std::vector<std::string> sanitize(const std::vector<std::string>& options, std::vector<std::string>* dropped,
-                                  std::string* timeoutWarning)
+// Whether the caller or the environment names the naming service already.
+bool namesNamingService(const std::vector<std::string>& options)
 {
+    for (std::size_t i = 0; i + 1 < options.size(); ++i) {
+        if ((options[i] == initRefOption && startsWith(options[i + 1].c_str(), "NameService="))
+            || options[i] == "-ORBDefaultInitRef")
+            return true;
+    }
+    return startsWith(std::getenv("ORBInitRef"), "NameService=") || std::getenv("ORBDefaultInitRef");
+}
+
+std::vector<std::string> sanitize(const std::vector<std::string>& options, const HostAddress& address,
+                                  std::vector<std::string>* dropped, std::string* timeoutWarning)
+{
+    const std::string endpoint = ownEndpoint(address);
     std::vector<std::string> kept;
     bool hasEndpoint = false;
     bool hasCallTimeout = false;
+    bool hasConnectTimeout = false;
     for (std::size_t i = 0; i < options.size(); ++i) {
         const std::string& option = options[i];
         const bool foreign = isForeign(option);
-        const bool wideEndpoint = isEndpointOption(option)
-            && !(takesValue(options, i) && options[i + 1].rfind(loopbackEndpoint, 0) == 0);
-        if (foreign || wideEndpoint) {
+        // An endpoint elsewhere would be listened on, and one published first in every
+        // reference: a peer on another host would dial that address, its own loopback.
+        const bool strayEndpoint = isEndpointOption(option)
+            && !(option == "-ORBendPoint" && takesValue(options, i) && options[i + 1].rfind(endpoint, 0) == 0);
+        if (foreign || strayEndpoint) {
             std::string text = option;
             if (takesValue(options, i))
                 text += " " + options[++i];
@@ -80,17 +110,51 @@ std::vector<std::string> sanitize(const std::vector<std::string>& options, std::
         }
         hasEndpoint = hasEndpoint || isEndpointOption(option);
         hasCallTimeout = hasCallTimeout || option == callTimeoutOption;
+        hasConnectTimeout = hasConnectTimeout || option == connectTimeoutOption;
         kept.push_back(option);
     }
     if (!hasEndpoint) {
         kept.push_back("-ORBendPoint");
-        kept.push_back(loopbackEndpoint);
+        kept.push_back(endpoint);
     }
     if (!hasCallTimeout) {
         kept.push_back(callTimeoutOption);
         kept.push_back(std::to_string(callTimeoutMs(timeoutWarning)));
     }
+    if (address.isRemote()) {
+        if (!namesNamingService(kept)) {
+            kept.push_back(initRefOption);
+            kept.push_back("NameService=" + address.namingService());
+        }
+        // Without it a connection to a host whose packets are dropped waits for the
+        // kernel's SYN retries, over two minutes.
+        if (!hasConnectTimeout && !std::getenv("ORBclientConnectTimeOutPeriod")) {
+            kept.push_back(connectTimeoutOption);
+            kept.push_back(std::to_string(ORB_base::DefaultConnectTimeoutMs));
+        }
+    }
     return kept;
+}
+
+// omniORB adds the endpoints of ORBendPoint... environment variables to those of its
+// options: the ones not on our own address are taken out of the environment before it
+// starts (child processes do not get them either). Returns what was taken out.
+std::vector<std::string> removeStrayEndpointVariables(const HostAddress& address)
+{
+    const std::string endpoint = ownEndpoint(address);
+    std::vector<std::string> names;
+    for (char** entry = environ; entry && *entry; ++entry) {
+        const std::string text = *entry;
+        const auto equals = text.find('=');
+        if (text.rfind("ORBendPoint", 0) != 0 || equals == std::string::npos)
+            continue;
+        if (text.compare(0, equals, "ORBendPoint") == 0 && text.compare(equals + 1, endpoint.size(), endpoint) == 0)
+            continue;
+        names.push_back(text);
+    }
+    for (const std::string& text : names)
+        ::unsetenv(text.substr(0, text.find('=')).c_str());
+    return names;
 }
 
 std::string joined(const std::vector<std::string>& options)
@@ -114,16 +178,24 @@ ORB_base::DiagnosticSink diagnosticSink;
 
 // Starts the ORB; orbMutex is held. Diagnostic lines are collected, not reported, so
 // that no sink runs under the lock.
-void initialise(const std::vector<std::string>& given, std::vector<std::string>* lines)
+void initialise(const std::vector<std::string>& given, const HostAddress& address, std::vector<std::string>* lines)
 {
     std::vector<std::string> dropped;
     std::string timeoutWarning;
-    const std::vector<std::string> options = sanitize(given, &dropped, &timeoutWarning);
+    const std::vector<std::string> options = sanitize(given, address, &dropped, &timeoutWarning);
     if (!timeoutWarning.empty())
         lines->push_back(timeoutWarning);
-    for (const std::string& text : dropped)
-        lines->push_back("Orvanth ORB - dropped option \"" + text
-                         + "\": not an omniORB option or not a loopback endpoint");
+    for (const std::string& text : dropped) {
+        if (address.isRemote() && isEndpointOption(text.substr(0, text.find(' '))))
+            lines->push_back("Orvanth ORB - dropped option \"" + text + "\": the ORB listens on "
+                             + ownEndpoint(address) + " only");
+        else
+            lines->push_back("Orvanth ORB - dropped option \"" + text
+                             + "\": not an omniORB option or not a loopback endpoint");
+    }
+    for (const std::string& variable : removeStrayEndpointVariables(address))
+        lines->push_back("Orvanth ORB - removed the environment variable \"" + variable + "\": the ORB listens on "
+                         + ownEndpoint(address) + " only");
 
     // ORB_init takes argv by pointer and removes what it consumes; keep our own copies.
     std::vector<std::string> storage{"orvanth"};
@@ -160,11 +232,19 @@ PortableServer::POA_ptr rootPoaLocked()
 std::vector<std::string> ORB_base::sanitizedOptions(const std::vector<std::string>& options,
                                                     std::vector<std::string>* dropped)
 {
-    return sanitize(options, dropped, nullptr);
+    return sanitize(options, HostAddress::process(), dropped, nullptr);
+}
+
+std::vector<std::string> ORB_base::sanitizedOptions(const std::vector<std::string>& options,
+                                                    const HostAddress& address, std::vector<std::string>* dropped)
+{
+    return sanitize(options, address, dropped, nullptr);
 }
 
 CORBA::ORB_ptr ORB_base::start(const std::vector<std::string>& options)
 {
+    // Outside the lock: the first call reports through the sink.
+    const HostAddress& address = HostAddress::process();
     std::vector<std::string> lines;
     std::exception_ptr failure;
     CORBA::ORB_ptr orb = CORBA::ORB::_nil();
@@ -172,7 +252,7 @@ CORBA::ORB_ptr ORB_base::start(const std::vector<std::string>& options)
         std::lock_guard<std::mutex> lock(orbMutex);
         if (CORBA::is_nil(processOrbRef)) {
             try {
-                initialise(options, &lines);
+                initialise(options, address, &lines);
             } catch (...) {
                 // Reported first: what was dropped may be why ORB_init refused the rest.
                 failure = std::current_exception();

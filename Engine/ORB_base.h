@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+class HostAddress;
+
 /**
  * Access to the one ORB of the process, and serving objects from it.
  *
@@ -16,11 +18,19 @@
  * options (a host does that through the application's options); everything after it
  * (the locker, naming-service clients, servers) builds an ORB_base without options and
  * uses the running ORB. Options of other ORBs are removed and reported; whatever the
- * caller passes, the ORB listens on 127.0.0.1 only, keeps omniORB's default code sets
- * (text is UTF-8 on the wire, so the native code set is never set) and bounds every
- * outgoing call with a time-out, so a hung peer surfaces as CORBA::TIMEOUT instead of
- * blocking its caller for ever. A reference whose calls may rightly take long (a
- * dialog that waits for the user) gets its own time-out through setCallTimeout().
+ * caller passes, the ORB listens on the process's own address only (HostAddress:
+ * 127.0.0.1 unless ORVANTH_INSTRUMENT_HOST puts the instrument on a network), since a
+ * reference whose first address is another one sends a peer on another host to that
+ * address; endpoints elsewhere, from options or ORBendPoint variables, are dropped and
+ * reported. It keeps omniORB's default code sets (text is UTF-8 on the wire, so the
+ * native code set is never set) and bounds every outgoing call with a time-out, so a
+ * hung peer surfaces as CORBA::TIMEOUT instead of blocking its caller for ever; off
+ * loopback, opening a connection has a time-out of its own as well. A reference whose
+ * calls may rightly take long (a dialog that waits for the user) gets its own time-out
+ * through setCallTimeout().
+ *
+ * Off loopback the naming service is the instrument's (corbaname::INSTRUMENT:2809)
+ * unless an -ORBInitRef option or the ORBInitRef variable names one.
  *
  * Servants are activated in the root POA (calls run concurrently on ORB worker threads)
  * or in a single-thread POA (one call at a time, so a call that blocks holds back every
@@ -31,6 +41,8 @@ class ORB_base
 public:
     /// The time-out of every outgoing call unless ORVANTH_CALL_TIMEOUT_MS says otherwise.
     static constexpr int DefaultCallTimeoutMs = 5000;
+    /// How long opening a connection to a peer on another host may take.
+    static constexpr int DefaultConnectTimeoutMs = 1000;
     /// For setCallTimeout(): calls on the reference wait as long as the peer takes.
     static constexpr std::chrono::milliseconds NoCallTimeout{0};
 
@@ -81,9 +93,15 @@ public:
     static void destroyProcessOrb();
 
     /// The options the ORB would be given for \a options: options only another ORB
-    /// understands are removed (and listed in \a dropped), endpoints are forced to
-    /// 127.0.0.1 and the call time-out is added when the caller gave none.
+    /// understands are removed (and listed in \a dropped), endpoints are forced to the
+    /// process's own address and the call time-out is added when the caller gave none.
+    /// Off loopback the naming service defaults to the instrument's and a connect
+    /// time-out is added.
     static std::vector<std::string> sanitizedOptions(const std::vector<std::string>& options,
+                                                     std::vector<std::string>* dropped = nullptr);
+    /// The same for a process placed at \a address.
+    static std::vector<std::string> sanitizedOptions(const std::vector<std::string>& options,
+                                                     const HostAddress& address,
                                                      std::vector<std::string>* dropped = nullptr);
 
     /// The time-out of calls on references without one of their own: the running ORB's,

@@ -5,6 +5,7 @@
 #include "NamingServiceProcess.h"
 
 #include "CorbaText.h"
+#include "HostAddress.h"
 #include "GuiAbleServant.h"
 #include "Locker.h"
 #include "ORB_wrapper_base.h"
@@ -75,6 +76,8 @@ private slots:
 
     void sanitizesOptions_data();
     void sanitizesOptions();
+    void sanitizesOptionsOffLoopback_data();
+    void sanitizesOptionsOffLoopback();
     void reportsIgnoredOptionsOfLaterStartOnce();
 
     void listsNumericBindingsOfContext();
@@ -180,6 +183,59 @@ void TestOrbWrapper::sanitizesOptions()
 
     std::vector<std::string> droppedOptions;
     QCOMPARE(ORB_base::sanitizedOptions(given, &droppedOptions), passed);
+    QCOMPARE(int(droppedOptions.size()), dropped);
+}
+
+void TestOrbWrapper::sanitizesOptionsOffLoopback_data()
+{
+    QTest::addColumn<std::vector<std::string>>("given");
+    QTest::addColumn<std::vector<std::string>>("passed");
+    QTest::addColumn<int>("dropped");
+
+    // The instrument at 127.0.0.9, this process at 127.0.0.5: addresses of this host that
+    // stand for two hosts.
+    const std::vector<std::string> endpoint{"-ORBendPoint", "giop:tcp:127.0.0.5:"};
+    const std::vector<std::string> callTimeout{"-ORBclientCallTimeOutPeriod", "3000"};
+    const std::vector<std::string> naming{"-ORBInitRef", "NameService=corbaname::127.0.0.9:2809"};
+    const std::vector<std::string> connectTimeout{"-ORBclientConnectTimeOutPeriod", "1000"};
+    auto joined = [](std::initializer_list<std::vector<std::string>> parts) {
+        std::vector<std::string> all;
+        for (const auto& part : parts)
+            all.insert(all.end(), part.begin(), part.end());
+        return all;
+    };
+    QTest::newRow("nothing: own endpoint, instrument's naming service, connect time-out")
+        << std::vector<std::string>{} << joined({endpoint, callTimeout, naming, connectTimeout}) << 0;
+    QTest::newRow("loopback endpoint dropped")
+        << std::vector<std::string>{"-ORBendPoint", "giop:tcp:127.0.0.1:4000"}
+        << joined({endpoint, callTimeout, naming, connectTimeout}) << 1;
+    QTest::newRow("published addresses dropped")
+        << std::vector<std::string>{"-ORBendPointPublish", "all(addr)", "-ORBendPointPublishAllIFs", "1"}
+        << joined({endpoint, callTimeout, naming, connectTimeout}) << 2;
+    QTest::newRow("own endpoint with a port kept")
+        << std::vector<std::string>{"-ORBendPoint", "giop:tcp:127.0.0.5:4000"}
+        << joined({{"-ORBendPoint", "giop:tcp:127.0.0.5:4000"}, callTimeout, naming, connectTimeout}) << 0;
+    QTest::newRow("caller's naming service and connect time-out kept")
+        << joined({{"-ORBInitRef", "NameService=corbaname::127.0.0.9:3000"}, {"-ORBclientConnectTimeOutPeriod", "200"}})
+        << joined({{"-ORBInitRef", "NameService=corbaname::127.0.0.9:3000"}, {"-ORBclientConnectTimeOutPeriod", "200"},
+                   endpoint, callTimeout})
+        << 0;
+    QTest::newRow("another initial reference does not name the naming service")
+        << std::vector<std::string>{"-ORBInitRef", "X=corbaloc::127.0.0.9:1/X"}
+        << joined({{"-ORBInitRef", "X=corbaloc::127.0.0.9:1/X"}, endpoint, callTimeout, naming, connectTimeout}) << 0;
+}
+
+void TestOrbWrapper::sanitizesOptionsOffLoopback()
+{
+    QFETCH(std::vector<std::string>, given);
+    QFETCH(std::vector<std::string>, passed);
+    QFETCH(int, dropped);
+
+    std::vector<std::string> problems;
+    const HostAddress address = HostAddress::fromValues("127.0.0.9", "127.0.0.5", &problems);
+    QVERIFY(problems.empty());
+    std::vector<std::string> droppedOptions;
+    QCOMPARE(ORB_base::sanitizedOptions(given, address, &droppedOptions), passed);
     QCOMPARE(int(droppedOptions.size()), dropped);
 }
 
