@@ -6,7 +6,11 @@
 #include <fastdds/rtps/transport/UDPv4TransportDescriptor.h>
 #include <fastrtps/utils/IPLocator.h>
 
+#include <arpa/inet.h>
 #include <cstdlib>
+#include <ifaddrs.h>
+#include <net/if.h>
+#include <netinet/in.h>
 #include <iostream>
 #include <memory>
 #include <mutex>
@@ -54,6 +58,24 @@ bool domainFromEnvironment(eprosima::fastdds::dds::DomainId_t* domain)
     return true;
 }
 
+// Whether an interface that runs (up, with its carrier) has \a address.
+bool isRunningAddress(const std::string& address)
+{
+    ifaddrs* interfaces = nullptr;
+    if (getifaddrs(&interfaces) != 0)
+        return false;
+    bool running = false;
+    for (const ifaddrs* entry = interfaces; entry && !running; entry = entry->ifa_next) {
+        if (!entry->ifa_addr || entry->ifa_addr->sa_family != AF_INET)
+            continue;
+        char text[INET_ADDRSTRLEN] = {};
+        inet_ntop(AF_INET, &reinterpret_cast<const sockaddr_in*>(entry->ifa_addr)->sin_addr, text, sizeof text);
+        running = address == text && (entry->ifa_flags & IFF_UP) && (entry->ifa_flags & IFF_RUNNING);
+    }
+    freeifaddrs(interfaces);
+    return running;
+}
+
 DomainParticipant* createParticipant(eprosima::fastdds::dds::DomainId_t domain)
 {
     DomainParticipantFactory* factory = DomainParticipantFactory::get_instance();
@@ -64,7 +86,13 @@ DomainParticipant* createParticipant(eprosima::fastdds::dds::DomainId_t domain)
         }
         return factory->create_participant(domain, factory->get_default_participant_qos());
     }
-    return factory->create_participant(domain, DDS_BaseObj::participantQos(HostAddress::process()));
+    const HostAddress& address = HostAddress::process();
+    // Fast DDS leaves out an interface that does not run yet (a link just set up, a
+    // cable out) and the participant then reaches no other host, silently.
+    if (address.isRemote() && !isRunningAddress(address.own()))
+        std::cerr << "Orvanth DDS - no running interface has the address " << address.own()
+                  << "; DDS reaches no other host until this process starts again" << std::endl;
+    return factory->create_participant(domain, DDS_BaseObj::participantQos(address));
 }
 
 } // namespace
