@@ -13,10 +13,10 @@ bool ChildProcess::start(const QString& program, const QStringList& arguments,
                          const QProcessEnvironment& environment, const QString& readyText, int timeoutMs)
 {
     m_process.setProcessEnvironment(environment);
-    m_process.setProcessChannelMode(QProcess::SeparateChannels);
     m_process.setReadChannel(QProcess::StandardOutput);
     // The child's diagnostics go where the test's go, so a failing test shows them.
-    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_process.setProcessChannelMode(m_outputIncludesErrors ? QProcess::MergedChannels
+                                                           : QProcess::ForwardedErrorChannel);
     m_process.start(program, arguments);
     if (!m_process.waitForStarted(timeoutMs))
         return false;

@@ -15,6 +15,10 @@ public:
     ChildProcess();
     ~ChildProcess();
 
+    /// Whether output() and the ready text include standard error (for a program that
+    /// logs there); otherwise standard error goes to the test's own. Set before start().
+    void setOutputIncludesErrors(bool included) { m_outputIncludesErrors = included; }
+
     /// Starts \a program and waits until a line of its standard output contains \a readyText.
     bool start(const QString& program, const QStringList& arguments, const QProcessEnvironment& environment,
                const QString& readyText = QStringLiteral("READY"), int timeoutMs = 20000);
@@ -29,6 +33,7 @@ public:
 private:
     QProcess m_process;
     QByteArray m_output;
+    bool m_outputIncludesErrors = false;
 };
 
 #endif
