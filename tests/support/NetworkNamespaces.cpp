@@ -10,6 +10,9 @@
 #include <QThread>
 
 #include <csignal>
+#include <cstdlib>
+#include <exception>
+#include <sys/mount.h>
 #include <fcntl.h>
 #include <sched.h>
 #include <unistd.h>
@@ -18,6 +21,59 @@ namespace {
 
 const char instrumentPrefix[] = "tz-instrument-";
 const char enginePrefix[] = "tz-engine-";
+
+// What a process that dies early still undoes: the namespaces' names, as paths, taken
+// away with system calls only (the kernel ends the processes inside, through their
+// parent-death signal). Fixed buffers, so that a signal handler can read them.
+char namePaths[2][128];
+struct sigaction previousActions[NSIG];
+std::terminate_handler previousTerminate = nullptr;
+const int fatalSignals[] = {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTERM, SIGINT};
+
+void unmountNames()
+{
+    for (char* path : namePaths) {
+        if (path[0]) {
+            ::umount2(path, MNT_DETACH);
+            ::unlink(path);
+            path[0] = '\0';
+        }
+    }
+}
+
+void onFatalSignal(int signal)
+{
+    unmountNames();
+    ::sigaction(signal, &previousActions[signal], nullptr);
+    ::raise(signal);
+}
+
+void onTerminate()
+{
+    unmountNames();
+    std::abort();
+}
+
+void guardNames(const QStringList& names)
+{
+    for (int i = 0; i < 2; ++i)
+        qstrncpy(namePaths[i], QFile::encodeName(QStringLiteral("/run/netns/") + names.value(i)).constData(),
+                 sizeof namePaths[i]);
+    struct sigaction action{};
+    action.sa_handler = onFatalSignal;
+    ::sigemptyset(&action.sa_mask);
+    for (const int signal : fatalSignals)
+        ::sigaction(signal, &action, &previousActions[signal]);
+    previousTerminate = std::set_terminate(onTerminate);
+}
+
+void releaseNames()
+{
+    for (const int signal : fatalSignals)
+        ::sigaction(signal, &previousActions[signal], nullptr);
+    std::set_terminate(previousTerminate);
+    namePaths[0][0] = namePaths[1][0] = '\0';
+}
 
 QString ipProgram()
 {
@@ -76,8 +132,11 @@ bool NetworkNamespaces::create(QString* why)
     removeStale();
     const QString instrument = name(Instrument);
     const QString engine = name(Engine);
-    if (!ip({"netns", "add", instrument}, why))
+    guardNames({instrument, engine});
+    if (!ip({"netns", "add", instrument}, why)) {
+        releaseNames();
         return false;
+    }
     m_created = true;
     const QString disableIPv6 = QStringLiteral("net.ipv6.conf.default.disable_ipv6=1");
     const QString prefix = QStringLiteral("/30");
@@ -168,6 +227,7 @@ void NetworkNamespaces::remove()
     m_created = false;
     removeNamespace(name(Engine));
     removeNamespace(name(Instrument));
+    releaseNames();
 }
 
 void NetworkNamespaces::removeStale()

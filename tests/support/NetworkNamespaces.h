@@ -11,8 +11,10 @@
  * none of its own multicast (router solicitations, listener reports) over the link.
  *
  * The names carry the test's PID. When the object goes, the processes still inside are
- * ended by PID and the namespaces deleted by name, which takes the veth pair with them;
- * create() first does the same with what a run whose PID is gone left behind. Needs root.
+ * ended by PID and the namespaces deleted by name, which takes the veth pair with them.
+ * Should the test die first (a fatal signal, an exception nobody catches), the names are
+ * taken away on its way out and the processes end with it (wrapperArguments()); create()
+ * first removes what a run whose PID is gone left behind all the same. Needs root.
  */
 class NetworkNamespaces
 {
