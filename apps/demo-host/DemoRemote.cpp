@@ -7,6 +7,7 @@
 #include "GUIManagerImpl.h"
 #include "GUIManagerServer.h"
 #include "GlobalImpl.h"
+#include "HostAddress.h"
 #include "MenuBar.h"
 #include "PushButtonImpl.h"
 #include "VerticalScrollBarImpl.h"
@@ -54,7 +55,9 @@ QLabel* plainLabel(const QString& text)
 
 GUIManagerServer* DemoRemote::serve(DesktopImpl* desktop)
 {
-    if (ApplicationOptions::orbInitRef().isEmpty() && qEnvironmentVariableIsEmpty("ORBInitRef")) {
+    // ORVANTH_INSTRUMENT_HOST names the instrument's naming service by itself.
+    if (ApplicationOptions::orbInitRef().isEmpty() && qEnvironmentVariableIsEmpty("ORBInitRef")
+        && !HostAddress::process().isRemote()) {
         qDebug() << "UserInterface - Demo host - no naming service, no remote GUI service";
         return nullptr;
     }
