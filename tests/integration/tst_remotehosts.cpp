@@ -301,10 +301,10 @@ void TestRemoteHosts::pressReachesSimulator()
 
 void TestRemoteHosts::clientReachesGuiManager()
 {
+    // The demo host serves the remote GUI service on the naming service the variable names.
     ORB_wrapper_base naming;
-    CORBA::Object_var manager = naming.ResolveName(Orvanth::Names::GuiManagerPath);
-    if (CORBA::is_nil(manager))
-        QSKIP("the demo host does not bind Lumaro/local/GUIManager: it does not serve the remote GUI service yet");
+    QTRY_VERIFY_WITH_TIMEOUT(!CORBA::is_nil(CORBA::Object_var(naming.ResolveName(Orvanth::Names::GuiManagerPath))),
+                             10000);
 
     QString output;
     QCOMPARE(runClient({"--screens"}, &output), 0);
@@ -330,10 +330,11 @@ void TestRemoteHosts::everySocketOnItsOwnAddress()
         bool serves;
         bool dds;
     };
-    // A user interface listens only once it serves something (the remote GUI service).
+    // A user interface listens only once it serves something: the demo host serves the
+    // remote GUI service, this one nothing.
     const Process processes[] = {
         {"omniNames", m_namingService.pid(), m_instrument, true, false},
-        {"demo host", m_demoHost.pid(), m_instrument, false, true},
+        {"demo host", m_demoHost.pid(), m_instrument, true, true},
         {"this user interface", QCoreApplication::applicationPid(), m_instrument, false, true},
         {"engine simulator", m_simulator.pid(), m_engine, true, true},
     };
