@@ -249,7 +249,8 @@ std::string SimulatorOptions::usage()
             "and REFOSCILLATOR1 (enum) and MenuBarTimeout1 (long), and publishes event messages,\n"
             "battery readings, mains power and module announcements over DDS (domain from\n"
             "ORVANTH_DDS_DOMAIN). The naming service comes from -ORBInitRef or the ORBInitRef\n"
-            "environment variable. Prints READY when serving; stops on SIGTERM or SIGINT.\n"
+            "environment variable, or is the instrument's when ORVANTH_INSTRUMENT_HOST names it.\n"
+            "Prints READY when serving; stops on SIGTERM or SIGINT.\n"
             "\n"
             "Options:\n";
     for (const OptionEntry& entry : optionTable()) {

@@ -153,7 +153,8 @@ std::string GuiClientOptions::usage()
 
   tz-gui-client [-ORBInitRef NameService=corbaname::127.0.0.1:PORT] COMMAND [--timeout S]
 
-The naming service comes from -ORBInitRef or the ORBInitRef environment variable.
+The naming service comes from -ORBInitRef or the ORBInitRef environment variable, or
+is the instrument's (port 2809) when ORVANTH_INSTRUMENT_HOST names the instrument.
 
 Commands that ask the user; the answer code is printed on the first line:
   --alert MSG                       an alert; waits until it is answered
