@@ -6,6 +6,7 @@
 #include <cstring>
 #include <cstdlib>
 #include <exception>
+#include <fstream>
 #include <iostream>
 #include <limits>
 #include <mutex>
@@ -157,6 +158,68 @@ std::vector<std::string> removeStrayEndpointVariables(const HostAddress& address
     return names;
 }
 
+// omniORB adds the endpoints of its configuration file as well. While it lives, and the
+// file has any, OMNIORB_CONFIG names a copy without them; the variable is put back and
+// the copy removed afterwards, as omniORB reads the file in ORB_init only.
+class ConfigurationWithoutEndpoints
+{
+public:
+    explicit ConfigurationWithoutEndpoints(std::vector<std::string>* dropped)
+    {
+        const char* given = std::getenv("OMNIORB_CONFIG");
+        m_path = given ? given : "/etc/omniORB.cfg";
+        std::ifstream file(m_path);
+        std::string kept;
+        std::string line;
+        bool inEndpoint = false;
+        while (std::getline(file, line)) {
+            const std::size_t start = line.find_first_not_of(" \t");
+            const std::string text = start == std::string::npos ? std::string() : line.substr(start);
+            // "= value" on a line of its own adds a value to the parameter above it.
+            if (!text.empty() && text[0] != '#' && text[0] != '=')
+                inEndpoint = text.rfind("endPoint", 0) == 0;
+            if (inEndpoint && !text.empty() && text[0] != '#')
+                dropped->push_back(text);
+            else
+                kept += line + "\n";
+        }
+        if (dropped->empty())
+            return;
+        char name[] = "/tmp/orvanth-omniORB-XXXXXX";
+        const int fd = ::mkstemp(name);
+        if (fd < 0)
+            return;
+        m_copy = name;
+        const bool written = ::write(fd, kept.data(), kept.size()) == ssize_t(kept.size());
+        ::close(fd);
+        if (!written)
+            return;
+        m_hadVariable = given != nullptr;
+        ::setenv("OMNIORB_CONFIG", m_copy.c_str(), 1);
+    }
+
+    ~ConfigurationWithoutEndpoints()
+    {
+        if (m_copy.empty())
+            return;
+        if (m_hadVariable)
+            ::setenv("OMNIORB_CONFIG", m_path.c_str(), 1);
+        else
+            ::unsetenv("OMNIORB_CONFIG");
+        ::unlink(m_copy.c_str());
+    }
+
+    ConfigurationWithoutEndpoints(const ConfigurationWithoutEndpoints&) = delete;
+    ConfigurationWithoutEndpoints& operator=(const ConfigurationWithoutEndpoints&) = delete;
+
+    const std::string& path() const { return m_path; }
+
+private:
+    std::string m_path;
+    std::string m_copy;
+    bool m_hadVariable = false;
+};
+
 std::string joined(const std::vector<std::string>& options)
 {
     std::string text;
@@ -196,6 +259,11 @@ void initialise(const std::vector<std::string>& given, const HostAddress& addres
     for (const std::string& variable : removeStrayEndpointVariables(address))
         lines->push_back("Orvanth ORB - removed the environment variable \"" + variable + "\": the ORB listens on "
                          + ownEndpoint(address) + " only");
+    std::vector<std::string> configured;
+    const ConfigurationWithoutEndpoints configuration(&configured);
+    for (const std::string& line : configured)
+        lines->push_back("Orvanth ORB - ignoring \"" + line + "\" of the configuration file " + configuration.path()
+                         + ": the ORB listens on " + ownEndpoint(address) + " only");
 
     // ORB_init takes argv by pointer and removes what it consumes; keep our own copies.
     std::vector<std::string> storage{"orvanth"};

@@ -26,9 +26,17 @@ void TestLoopbackOnly::everySocketIsOnLoopback()
     orb.rootPoa(); // opens this process's listening endpoint
     QVERIFY(Orvanth::DDS_BaseObj::DdsBase().participant);
 
-    // omniORB would add an endpoint of its environment to ours; the engine layer takes it out.
+    // omniORB would add endpoints of its environment and of its configuration file to
+    // ours; the engine layer takes them out.
+    QTemporaryDir directory;
+    QFile configuration(directory.filePath(QStringLiteral("omniORB.cfg")));
+    QVERIFY(configuration.open(QIODevice::WriteOnly));
+    configuration.write("# an installation's own settings\ntraceLevel = 0\nendPoint = giop:tcp:0.0.0.0:\n"
+                        "         = giop:tcp:0.0.0.0:0\n");
+    configuration.close();
     QProcessEnvironment environment = naming.childEnvironment();
     environment.insert(QStringLiteral("ORBendPoint"), QStringLiteral("giop:tcp:0.0.0.0:"));
+    environment.insert(QStringLiteral("OMNIORB_CONFIG"), configuration.fileName());
     ChildProcess engine;
     QVERIFY(engine.start(QStringLiteral(TZ_TEST_ENGINE), {"--bind", "Test/Loopback", "--publish-samples"},
                          environment));
