@@ -192,8 +192,11 @@ public:
         m_copy = name;
         const bool written = ::write(fd, kept.data(), kept.size()) == ssize_t(kept.size());
         ::close(fd);
-        if (!written)
+        if (!written) {
+            ::unlink(m_copy.c_str());
+            m_copy.clear();
             return;
+        }
         m_hadVariable = given != nullptr;
         ::setenv("OMNIORB_CONFIG", m_copy.c_str(), 1);
     }
@@ -213,6 +216,9 @@ public:
     ConfigurationWithoutEndpoints& operator=(const ConfigurationWithoutEndpoints&) = delete;
 
     const std::string& path() const { return m_path; }
+    /// Whether the ORB starts on the copy; false when the file has no endpoints or no
+    /// copy could be written.
+    bool isCopied() const { return !m_copy.empty(); }
 
 private:
     std::string m_path;
@@ -261,9 +267,14 @@ void initialise(const std::vector<std::string>& given, const HostAddress& addres
                          + ownEndpoint(address) + " only");
     std::vector<std::string> configured;
     const ConfigurationWithoutEndpoints configuration(&configured);
-    for (const std::string& line : configured)
-        lines->push_back("Orvanth ORB - ignoring \"" + line + "\" of the configuration file " + configuration.path()
-                         + ": the ORB listens on " + ownEndpoint(address) + " only");
+    for (const std::string& line : configured) {
+        if (configuration.isCopied())
+            lines->push_back("Orvanth ORB - ignoring \"" + line + "\" of the configuration file "
+                             + configuration.path() + ": the ORB listens on " + ownEndpoint(address) + " only");
+        else
+            lines->push_back("Orvanth ORB - cannot leave out \"" + line + "\" of the configuration file "
+                             + configuration.path() + " (no copy in /tmp): the ORB listens there too");
+    }
 
     // ORB_init takes argv by pointer and removes what it consumes; keep our own copies.
     std::vector<std::string> storage{"orvanth"};
