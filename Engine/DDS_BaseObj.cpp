@@ -9,11 +9,11 @@
 #include <arpa/inet.h>
 #include <cstdlib>
 #include <ifaddrs.h>
-#include <net/if.h>
-#include <netinet/in.h>
 #include <iostream>
 #include <memory>
 #include <mutex>
+#include <net/if.h>
+#include <netinet/in.h>
 #include <string>
 #include <unistd.h>
 
