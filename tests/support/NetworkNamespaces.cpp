@@ -12,9 +12,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <exception>
-#include <sys/mount.h>
 #include <fcntl.h>
 #include <sched.h>
+#include <sys/mount.h>
 #include <unistd.h>
 
 namespace {
@@ -114,8 +114,10 @@ bool NetworkNamespaces::ip(const QStringList& arguments, QString* why, QString* 
     QProcess process;
     process.start(ipProgram(), arguments);
     const bool finished = process.waitForStarted(5000) && process.waitForFinished(10000);
-    if (!finished)
+    if (!finished) {
         process.kill();
+        process.waitForFinished(1000);
+    }
     const QString errors = QString::fromLocal8Bit(process.readAllStandardError()).trimmed();
     if (output)
         *output = QString::fromLocal8Bit(process.readAllStandardOutput());
