@@ -2,6 +2,9 @@
 
 #include "HostAddress.h"
 
+#include <omniORB4/IIOP.h>
+#include <omniORB4/omniIOR.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -9,6 +12,7 @@
 #include <fstream>
 #include <iostream>
 #include <limits>
+#include <map>
 #include <mutex>
 #include <set>
 #include <unistd.h>
@@ -226,6 +230,67 @@ private:
     bool m_hadVariable = false;
 };
 
+// "host:port" of the first IIOP profile of \a object's reference; empty when it has none.
+std::string peerAddress(CORBA::Object_ptr object)
+{
+    if (CORBA::is_nil(object) || !object->_PR_getobj())
+        return std::string();
+    omniIOR* ior = object->_PR_getobj()->_getIOR();
+    std::string peer;
+    const IOP::TaggedProfileList& profiles = ior->iopProfiles();
+    for (CORBA::ULong i = 0; i < profiles.length() && peer.empty(); ++i) {
+        if (profiles[i].tag != IOP::TAG_INTERNET_IOP)
+            continue;
+        try {
+            IIOP::ProfileBody body;
+            IIOP::unmarshalProfile(profiles[i], body);
+            peer = std::string(body.address.host.in()) + ":" + std::to_string(body.address.port);
+        } catch (...) {
+        }
+    }
+    ior->release();
+    return peer;
+}
+
+// Off loopback a peer that stops answering is most often a host gone from the network:
+// the ORB says which one, at most once in a while for each peer, as its callers know
+// only which call failed.
+constexpr std::chrono::seconds silentPeerReportInterval{5};
+std::mutex silentPeersMutex;
+std::map<std::string, std::chrono::steady_clock::time_point> silentPeersReported;
+
+void reportSilentPeer(CORBA::Object_ptr object, const char* operation, const CORBA::SystemException& failure,
+                      const char* what)
+{
+    const std::string peer = peerAddress(object);
+    const auto now = std::chrono::steady_clock::now();
+    {
+        std::lock_guard<std::mutex> lock(silentPeersMutex);
+        const auto last = silentPeersReported.find(peer);
+        if (last != silentPeersReported.end() && now - last->second < silentPeerReportInterval)
+            return;
+        silentPeersReported[peer] = now;
+    }
+    const char* minor = failure.NP_minorString();
+    ORB_base::report(std::string("Orvanth ORB - ") + what + " " + (peer.empty() ? "a peer" : peer) + " ("
+                     + (operation ? operation : "?") + "): " + failure._name() + (minor ? std::string(" ") + minor : ""));
+}
+
+// Both hand the exception on to the caller, as omniORB does without a handler.
+CORBA::Boolean onTimeout(void*, CORBA::ULong, const CORBA::TIMEOUT& failure, CORBA::Object_ptr object,
+                         const char* operation)
+{
+    reportSilentPeer(object, operation, failure, "no answer from");
+    return false;
+}
+
+CORBA::Boolean onCommFailure(void*, CORBA::ULong, const CORBA::COMM_FAILURE& failure, CORBA::Object_ptr object,
+                             const char* operation)
+{
+    reportSilentPeer(object, operation, failure, "connection lost to");
+    return false;
+}
+
 std::string joined(const std::vector<std::string>& options)
 {
     std::string text;
@@ -285,6 +350,10 @@ void initialise(const std::vector<std::string>& given, const HostAddress& addres
     arguments.push_back(nullptr);
     int argc = int(storage.size());
     processOrbRef = CORBA::ORB_init(argc, arguments.data(), "omniORB4");
+    if (address.isRemote()) {
+        omniORB::installTimeoutExceptionHandlerExt(nullptr, onTimeout);
+        omniORB::installCommFailureExceptionHandlerExt(nullptr, onCommFailure);
+    }
 
     startOptions = given;
     reportedOptions.clear();

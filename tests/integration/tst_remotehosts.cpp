@@ -396,12 +396,16 @@ void TestRemoteHosts::lostLinkIsReportedAndRecovers()
     const QString notAnswering = QStringLiteral("UserInterface - GUI_ABLE not answering, dropped: \"%1\"").arg(steadyModule);
     QTRY_VERIFY_WITH_TIMEOUT(m_log->contains(notAnswering), failureShownMs);
     const qint64 reportedAfter = sinceLoss.elapsed();
+    // The ORB names the host that went silent.
+    const QStringList silent = m_log->linesContaining(QStringLiteral("Orvanth ORB - no answer from %1:").arg(m_engine));
+    QVERIFY2(!silent.isEmpty(), qPrintable(m_log->linesContaining(QStringLiteral("Orvanth ORB")).join(QLatin1Char('\n'))));
     // The press's Set fails within the widgets' call time-out and says so on the status bar.
     QTRY_VERIFY_WITH_TIMEOUT(!failures.isEmpty(), failureShownMs);
     ticker.stop();
     // Beside the log capture, for the record of a run.
-    std::cerr << "engine host lost: reported after " << reportedAfter << " ms, the press failed after "
-              << sinceLoss.elapsed() << " ms, longest GUI pause " << longestPause << " ms" << std::endl;
+    std::cerr << "engine host lost: reported after " << reportedAfter << " ms (" << silent.first().toStdString()
+              << "), the press failed after " << sinceLoss.elapsed() << " ms, longest GUI pause " << longestPause
+              << " ms" << std::endl;
     QVERIFY2(longestPause < 100, qPrintable(QString::number(longestPause)));
     QCOMPARE(m_simulator.output().count(actionDone), actions);
 
