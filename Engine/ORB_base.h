@@ -30,7 +30,8 @@ class HostAddress;
  * through setCallTimeout().
  *
  * Off loopback the naming service is the instrument's (corbaname::INSTRUMENT:2809)
- * unless an -ORBInitRef option or the ORBInitRef variable names one.
+ * unless an -ORBInitRef option or the ORBInitRef variable names one, and a peer that
+ * gives no answer or drops its connection is named in a diagnostic line.
  *
  * Servants are activated in the root POA (calls run concurrently on ORB worker threads)
  * or in a single-thread POA (one call at a time, so a call that blocks holds back every
