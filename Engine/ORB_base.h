@@ -22,10 +22,11 @@ class HostAddress;
  * 127.0.0.1 unless ORVANTH_INSTRUMENT_HOST puts the instrument on a network), since a
  * reference whose first address is another one sends a peer on another host to that
  * address; endpoints elsewhere, from options, ORBendPoint variables or omniORB's
- * configuration file, are left out and reported. It keeps omniORB's default code sets (text is UTF-8 on the wire, so the
- * native code set is never set) and bounds every outgoing call with a time-out, so a
- * hung peer surfaces as CORBA::TIMEOUT instead of blocking its caller for ever; off
- * loopback, opening a connection has a time-out of its own as well. A reference whose
+ * configuration file, are left out and reported. It keeps omniORB's default code sets
+ * (text is UTF-8 on the wire, so the native code set is never set) and bounds every
+ * outgoing call with a time-out, so a hung peer surfaces as CORBA::TIMEOUT instead of
+ * blocking its caller for ever; off loopback, opening a connection has a time-out of its
+ * own as well. A reference whose
  * calls may rightly take long (a dialog that waits for the user) gets its own time-out
  * through setCallTimeout().
  *
