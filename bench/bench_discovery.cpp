@@ -19,6 +19,8 @@
 #include "ORB_base.h"
 #include "OrvanthNames.h"
 
+#include "BenchProcess.h"
+
 #include <Orvanth.hh>
 #include <omniORB4/Naming.hh>
 
@@ -37,53 +39,6 @@
 #include <vector>
 
 namespace {
-
-quint16 freeLoopbackPort()
-{
-    QTcpServer probe;
-    return probe.listen(QHostAddress::LocalHost, 0) ? probe.serverPort() : 0;
-}
-
-bool waitForPort(quint16 port, int timeoutMs)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < timeoutMs) {
-        QTcpSocket socket;
-        socket.connectToHost(QHostAddress::LocalHost, port);
-        if (socket.waitForConnected(200))
-            return true;
-        QThread::msleep(50);
-    }
-    return false;
-}
-
-bool waitForLine(QProcess& process, const QByteArray& text, int timeoutMs)
-{
-    if (!process.waitForStarted(timeoutMs))
-        return false;
-    QByteArray output;
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < timeoutMs && process.state() == QProcess::Running) {
-        process.waitForReadyRead(100);
-        output += process.readAllStandardOutput();
-        if (output.contains(text))
-            return true;
-    }
-    return false;
-}
-
-void stop(QProcess& process)
-{
-    if (process.state() == QProcess::NotRunning)
-        return;
-    process.terminate();
-    if (!process.waitForFinished(10000)) {
-        process.kill();
-        process.waitForFinished(5000);
-    }
-}
 
 CosNaming::Name nameOf(const std::vector<const char*>& components)
 {
@@ -159,7 +114,7 @@ int main(int argc, char* argv[])
     }
 
     QTemporaryDir namingData;
-    const quint16 port = freeLoopbackPort();
+    const quint16 port = BenchProcess::freeLoopbackPort();
     const QString portText = QString::number(port);
     const QString initRef = QStringLiteral("NameService=corbaname::127.0.0.1:") + portText;
     QProcess namingService;
@@ -168,7 +123,7 @@ int main(int argc, char* argv[])
     namingService.start(QStringLiteral(TZ_OMNINAMES),
                         {"-start", portText, "-datadir", namingData.path(), "-ORBendPoint",
                          "giop:tcp:127.0.0.1:" + portText});
-    if (!namingData.isValid() || port == 0 || !waitForPort(port, 10000)) {
+    if (!namingData.isValid() || port == 0 || !BenchProcess::waitForPort(port, 10000)) {
         std::fprintf(stderr, "omniNames did not start\n");
         return 1;
     }
@@ -179,10 +134,10 @@ int main(int argc, char* argv[])
     simulator.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     simulator.start(QStringLiteral(TZ_ENGINE_SIMULATOR),
                     {"--modules", QString::number(modules), "--events-per-second", "0"});
-    if (!waitForLine(simulator, "READY", 30000)) {
+    if (!BenchProcess::waitForLine(simulator, "READY", 30000)) {
         std::fprintf(stderr, "the engine simulator did not start\n");
-        stop(simulator);
-        stop(namingService);
+        BenchProcess::stop(simulator);
+        BenchProcess::stop(namingService);
         return 1;
     }
 
@@ -250,8 +205,8 @@ int main(int argc, char* argv[])
                 median(announcedMs) / std::max(1e-9, median(plainMs)));
 
     qInstallMessageHandler(nullptr);
-    stop(simulator);
+    BenchProcess::stop(simulator);
     ORB_base::destroyProcessOrb();
-    stop(namingService);
+    BenchProcess::stop(namingService);
     return status;
 }

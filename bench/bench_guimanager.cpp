@@ -19,6 +19,8 @@
 #include "OrvanthNames.h"
 #include "StopSignals.h"
 
+#include "BenchProcess.h"
+
 #include <GUIManager.hh>
 #include <Orvanth.hh>
 
@@ -41,53 +43,6 @@ namespace {
 
 const char nullPath[] = "Bench/NullCall";
 constexpr int round = 100;
-
-quint16 freeLoopbackPort()
-{
-    QTcpServer probe;
-    return probe.listen(QHostAddress::LocalHost, 0) ? probe.serverPort() : 0;
-}
-
-bool waitForPort(quint16 port, int timeoutMs)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < timeoutMs) {
-        QTcpSocket socket;
-        socket.connectToHost(QHostAddress::LocalHost, port);
-        if (socket.waitForConnected(200))
-            return true;
-        QThread::msleep(50);
-    }
-    return false;
-}
-
-bool waitForLine(QProcess& process, const QByteArray& text, int timeoutMs)
-{
-    if (!process.waitForStarted(timeoutMs))
-        return false;
-    QByteArray output;
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < timeoutMs && process.state() == QProcess::Running) {
-        process.waitForReadyRead(100);
-        output += process.readAllStandardOutput() + process.readAllStandardError();
-        if (output.contains(text))
-            return true;
-    }
-    return false;
-}
-
-void stop(QProcess& process)
-{
-    if (process.state() == QProcess::NotRunning)
-        return;
-    process.terminate();
-    if (!process.waitForFinished(10000)) {
-        process.kill();
-        process.waitForFinished(5000);
-    }
-}
 
 // The null-call server: one GUI module in a single-thread POA, bound under nullPath,
 // until SIGTERM.
@@ -154,7 +109,7 @@ int main(int argc, char* argv[])
     }
 
     QTemporaryDir namingData;
-    const quint16 port = freeLoopbackPort();
+    const quint16 port = BenchProcess::freeLoopbackPort();
     const QString portText = QString::number(port);
     const QString initRef = QStringLiteral("NameService=corbaname::127.0.0.1:") + portText;
     QProcess namingService;
@@ -162,7 +117,7 @@ int main(int argc, char* argv[])
     namingService.setStandardErrorFile(QProcess::nullDevice());
     namingService.start(QStringLiteral(TZ_OMNINAMES), {"-start", portText, "-datadir", namingData.path(),
                                                        "-ORBendPoint", "giop:tcp:127.0.0.1:" + portText});
-    if (!namingData.isValid() || port == 0 || !waitForPort(port, 10000)) {
+    if (!namingData.isValid() || port == 0 || !BenchProcess::waitForPort(port, 10000)) {
         std::fprintf(stderr, "omniNames did not start\n");
         return 1;
     }
@@ -181,11 +136,11 @@ int main(int argc, char* argv[])
     nullServer.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     nullServer.start(QCoreApplication::applicationFilePath(), {"--null-server"});
     auto stopAll = [&] {
-        stop(nullServer);
-        stop(desktop);
-        stop(namingService);
+        BenchProcess::stop(nullServer);
+        BenchProcess::stop(desktop);
+        BenchProcess::stop(namingService);
     };
-    if (!waitForLine(nullServer, "READY", 30000)) {
+    if (!BenchProcess::waitForLine(nullServer, "READY", 30000)) {
         std::fprintf(stderr, "the null-call server did not start\n");
         stopAll();
         return 1;

@@ -29,6 +29,8 @@
 #include "StopSignals.h"
 #include "TopicPublisher.h"
 
+#include "BenchProcess.h"
+
 #include <OrvanthTopicsPubSubTypes.h>
 
 #include <QCoreApplication>
@@ -221,30 +223,6 @@ struct Placement
     QString failure;
 };
 
-void stop(QProcess& process)
-{
-    if (process.state() == QProcess::NotRunning)
-        return;
-    process.terminate();
-    if (!process.waitForFinished(10000)) {
-        process.kill();
-        process.waitForFinished(5000);
-    }
-}
-
-bool waitForLine(QProcess& process, const QByteArray& text, int timeoutMs, QByteArray* output)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < timeoutMs && process.state() != QProcess::NotRunning) {
-        process.waitForReadyRead(100);
-        *output += process.readAllStandardOutput();
-        if (output->contains(text))
-            return true;
-    }
-    return false;
-}
-
 // One round: omniNames, the engine process and the measuring process; when \a remote the
 // engine process runs on the engine host's side and the variable is set, otherwise
 // everything shares the instrument's loopback.
@@ -285,7 +263,7 @@ Placement measure(NetworkNamespaces& network, bool remote, const Settings& setti
     QThread::msleep(500);
     engine.start(network.wrapperProgram(),
                  network.wrapperArguments(remote ? Side::Engine : Side::Instrument, self, QStringList{"--engine"} + options));
-    if (!waitForLine(engine, "READY", 30000, &engineOutput)) {
+    if (!BenchProcess::waitForLine(engine, "READY", 30000, &engineOutput)) {
         placement.failure = QStringLiteral("the engine process did not start");
     } else {
         measuring.start(network.wrapperProgram(),
@@ -305,9 +283,9 @@ Placement measure(NetworkNamespaces& network, bool remote, const Settings& setti
         if (measuring.state() != QProcess::NotRunning || measuring.exitCode() != 0)
             placement.failure = QStringLiteral("the measuring process failed");
     }
-    stop(measuring);
-    stop(engine);
-    stop(namingService);
+    BenchProcess::stop(measuring);
+    BenchProcess::stop(engine);
+    BenchProcess::stop(namingService);
 
     QMap<QString, qint64> bound;
     for (const QByteArray& line : engineOutput.split('\n')) {

@@ -25,6 +25,8 @@
 #include "ORB_base.h"
 #include "WidgetBaseImpl.h"
 
+#include "BenchProcess.h"
+
 #include <Orvanth.hh>
 #include <OrvanthTopicsPubSubTypes.h>
 
@@ -67,53 +69,6 @@ using namespace eprosima::fastdds::dds;
 namespace {
 
 const std::vector<std::string> attributeNames{"RUNACTION1", "DISPLAYMODE1", "REFOSCILLATOR1", "MenuBarTimeout1"};
-
-quint16 freeLoopbackPort()
-{
-    QTcpServer probe;
-    return probe.listen(QHostAddress::LocalHost, 0) ? probe.serverPort() : 0;
-}
-
-bool waitForPort(quint16 port, int timeoutMs)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < timeoutMs) {
-        QTcpSocket socket;
-        socket.connectToHost(QHostAddress::LocalHost, port);
-        if (socket.waitForConnected(200))
-            return true;
-        QThread::msleep(50);
-    }
-    return false;
-}
-
-bool waitForLine(QProcess& process, const QByteArray& text, int timeoutMs)
-{
-    if (!process.waitForStarted(timeoutMs))
-        return false;
-    QByteArray output;
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < timeoutMs && process.state() == QProcess::Running) {
-        process.waitForReadyRead(100);
-        output += process.readAllStandardOutput();
-        if (output.contains(text))
-            return true;
-    }
-    return false;
-}
-
-void stop(QProcess& process)
-{
-    if (process.state() == QProcess::NotRunning)
-        return;
-    process.terminate();
-    if (!process.waitForFinished(10000)) {
-        process.kill();
-        process.waitForFinished(5000);
-    }
-}
 
 void discardMessages(QtMsgType, const QMessageLogContext&, const QString&)
 {
@@ -313,7 +268,7 @@ int main(int argc, char* argv[])
     }
 
     QTemporaryDir namingData;
-    const quint16 port = freeLoopbackPort();
+    const quint16 port = BenchProcess::freeLoopbackPort();
     const QString portText = QString::number(port);
     const QString initRef = QStringLiteral("NameService=corbaname::127.0.0.1:") + portText;
     QProcess namingService;
@@ -321,7 +276,7 @@ int main(int argc, char* argv[])
     namingService.setStandardErrorFile(QProcess::nullDevice());
     namingService.start(QStringLiteral(TZ_OMNINAMES), {"-start", portText, "-datadir", namingData.path(),
                                                         "-ORBendPoint", "giop:tcp:127.0.0.1:" + portText});
-    if (!namingData.isValid() || port == 0 || !waitForPort(port, 10000)) {
+    if (!namingData.isValid() || port == 0 || !BenchProcess::waitForPort(port, 10000)) {
         std::fprintf(stderr, "omniNames did not start\n");
         return 1;
     }
@@ -331,10 +286,10 @@ int main(int argc, char* argv[])
     simulator.setProcessEnvironment(environment);
     simulator.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     simulator.start(QStringLiteral(TZ_ENGINE_SIMULATOR), {"--modules", "1", "--events-per-second", "0"});
-    if (!waitForLine(simulator, "READY", 30000)) {
+    if (!BenchProcess::waitForLine(simulator, "READY", 30000)) {
         std::fprintf(stderr, "the engine simulator did not start\n");
-        stop(simulator);
-        stop(namingService);
+        BenchProcess::stop(simulator);
+        BenchProcess::stop(namingService);
         return 1;
     }
     // Its announcements of every lock change are read and dropped, so its pipe never fills.
@@ -354,8 +309,8 @@ int main(int argc, char* argv[])
     }
     if (discovery->guiAbleLoaded() == 0) {
         std::fprintf(stderr, "no engine module found\n");
-        stop(simulator);
-        stop(namingService);
+        BenchProcess::stop(simulator);
+        BenchProcess::stop(namingService);
         return 1;
     }
     registry->setNamingService(discovery.get());
@@ -474,9 +429,9 @@ int main(int argc, char* argv[])
     QThreadPool::globalInstance()->waitForDone();
     delete GlobalImpl::existingInstance();
     discovery.reset();
-    stop(simulator);
+    BenchProcess::stop(simulator);
     ORB_base::destroyProcessOrb();
     Orvanth::DDS_BaseObj::shutdownDds();
-    stop(namingService);
+    BenchProcess::stop(namingService);
     return status;
 }
