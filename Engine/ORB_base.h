@@ -26,9 +26,8 @@ class HostAddress;
  * (text is UTF-8 on the wire, so the native code set is never set) and bounds every
  * outgoing call with a time-out, so a hung peer surfaces as CORBA::TIMEOUT instead of
  * blocking its caller for ever; off loopback, opening a connection has a time-out of its
- * own as well. A reference whose
- * calls may rightly take long (a dialog that waits for the user) gets its own time-out
- * through setCallTimeout().
+ * own as well. A reference whose calls may rightly take long (a dialog that waits for
+ * the user) gets its own time-out through setCallTimeout().
  *
  * Off loopback the naming service is the instrument's (corbaname::INSTRUMENT:2809)
  * unless an -ORBInitRef option or the ORBInitRef variable names one, and a peer that

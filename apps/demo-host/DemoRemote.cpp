@@ -412,14 +412,7 @@ void DemoRemote::isDialogActive(const QString& dialog)
 bool DemoRemote::isRegisteredScreen(QWidget* screen)
 {
     GlobalImpl* registry = GlobalImpl::existingInstance();
-    if (!screen || !registry)
-        return false;
-    const QList<QString> names = registry->getScreenList();
-    for (const QString& name : names) {
-        if (registry->getScreen(name) == screen)
-            return true;
-    }
-    return false;
+    return registry && registry->isScreen(screen);
 }
 
 void DemoRemote::showScreen(QWidget* screen)

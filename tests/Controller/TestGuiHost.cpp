@@ -145,9 +145,7 @@ ContainerDialog* TestGuiHost::newestDialog() const
 void TestGuiHost::printScreen(const QString& name) const
 {
     GlobalImpl* registry = GlobalImpl::existingInstance();
-    QWidget* screen = nullptr;
-    if (registry && registry->getScreenList().contains(name))
-        screen = registry->getScreen(name);
+    QWidget* screen = registry ? registry->findScreen(name) : nullptr;
     if (!screen && registry)
         screen = registry->systemModule()->getSystemScreen(name);
     if (!screen) {

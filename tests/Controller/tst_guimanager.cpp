@@ -4,14 +4,13 @@
 // and answers queries on its standard output, and clicks dialog buttons on request.
 
 #include "NamingServiceProcess.h"
+#include "ProcessSockets.h"
 
 #include "ORB_wrapper_base.h"
 #include "OrvanthNames.h"
 
 #include <GUIManager.hh>
 
-#include <QDir>
-#include <QFile>
 #include <QProcess>
 #include <QTcpSocket>
 #include <QTemporaryDir>
@@ -129,25 +128,12 @@ private:
 };
 
 // The port on 127.0.0.1 where process \a pid listens for TCP connections (its ORB's
-// endpoint), read from /proc; 0 when there is none.
+// endpoint); 0 when there is none.
 quint16 listeningPort(qint64 pid)
 {
-    QSet<QString> inodes;
-    const QDir fds(QStringLiteral("/proc/%1/fd").arg(pid));
-    for (const QFileInfo& fd : fds.entryInfoList(QDir::System | QDir::NoDotAndDotDot)) {
-        const QString target = fd.symLinkTarget().section(QLatin1Char('/'), -1);
-        if (target.startsWith(QLatin1String("socket:[")))
-            inodes.insert(target.mid(8, target.size() - 9));
-    }
-    QFile table(QStringLiteral("/proc/net/tcp"));
-    if (!table.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray& line : table.readAll().split('\n')) {
-        // sl local_address rem_address st ... inode: 0100007F:PORT is 127.0.0.1, 0A listening.
-        const QList<QByteArray> fields = line.simplified().split(' ');
-        if (fields.size() > 9 && fields.at(3) == "0A" && fields.at(1).startsWith("0100007F:")
-            && inodes.contains(QString::fromLatin1(fields.at(9))))
-            return quint16(fields.at(1).mid(9).toUInt(nullptr, 16));
+    for (const ProcessSockets::Socket& socket : ProcessSockets::of(pid)) {
+        if (socket.table == QLatin1String("tcp") && socket.address == QLatin1String("127.0.0.1"))
+            return socket.port;
     }
     return 0;
 }

@@ -79,8 +79,8 @@ QWidget* GUIManagerImpl::GetScreen(const QString& name)
     QWidget* screen = nullptr;
     inGuiThread([&] {
         GlobalImpl* registry = GlobalImpl::existingInstance();
-        if (registry && registry->getScreenList().contains(name))
-            screen = registry->getScreen(name);
+        if (registry)
+            screen = registry->findScreen(name);
     });
     return screen;
 }
@@ -430,8 +430,7 @@ void GUIManagerImpl::MoveScreen(const char* screen, CORBA::Long x, CORBA::Long y
             GlobalImpl* registry = GlobalImpl::existingInstance();
             if (!registry)
                 return;
-            if (registry->getScreenList().contains(name))
-                widget = registry->getScreen(name);
+            widget = registry->findScreen(name);
             if (DesktopImpl* desktop = registry->desktop())
                 area = desktop->size();
         });
@@ -467,8 +466,8 @@ void GUIManagerImpl::ChangeSize(const char* screen, const char* size)
         QWidget* widget = nullptr;
         inGuiThread([&] {
             GlobalImpl* registry = GlobalImpl::existingInstance();
-            if (registry && registry->getScreenList().contains(name))
-                widget = registry->getScreen(name);
+            if (registry)
+                widget = registry->findScreen(name);
             container = qobject_cast<ContainerImpl*>(widget);
         });
         if (!container) {

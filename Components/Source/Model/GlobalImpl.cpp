@@ -229,6 +229,22 @@ QWidget* GlobalImpl::getScreen(const QString& name)
     return nullptr;
 }
 
+QWidget* GlobalImpl::findScreen(const QString& name) const
+{
+    return m_screens.value(name);
+}
+
+bool GlobalImpl::isScreen(const QWidget* widget) const
+{
+    if (!widget)
+        return false;
+    for (const QPointer<QWidget>& screen : m_screens) {
+        if (screen == widget)
+            return true;
+    }
+    return false;
+}
+
 bool GlobalImpl::removeScreen(const QString& name)
 {
     const bool removed = m_screens.remove(name) > 0;

@@ -116,6 +116,11 @@ public:
     /// The screen registered as \a name, or null; an unknown name is entered with a
     /// null screen and listed from then on.
     QWidget* getScreen(const QString& name);
+    /// The screen registered as \a name, or null; unlike getScreen(), an unknown name
+    /// is not entered (for names from outside, which must not grow the table).
+    QWidget* findScreen(const QString& name) const;
+    /// Whether \a widget is registered under some name.
+    bool isScreen(const QWidget* widget) const;
     bool removeScreen(const QString& name);
     /// All registered names, in no defined order.
     QList<QString> getScreenList() const;
@@ -183,6 +188,8 @@ private:
     static GlobalImpl* publish(GlobalImpl* registry);
     void computeGridPoints();
     void stopSubscriberThreads();
+    // Keeps screenNamesFromAnyThread() in line with the table.
+    void publishScreenNames();
 
     // Read without a lock by getInstance() on any thread; written under the instance
     // mutex in GlobalImpl.cpp.
@@ -204,9 +211,6 @@ private:
     QList<QPointer<QThread>> m_subscriberThreads;
     std::unique_ptr<QScriptEngine> m_scriptEngine;
     QPoint m_dialogLastPosition;
-    // Keeps screenNamesFromAnyThread() in line with the table.
-    void publishScreenNames();
-
     QHash<QString, QPointer<QWidget>> m_screens;
 };
 

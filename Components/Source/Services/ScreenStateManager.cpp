@@ -76,7 +76,7 @@ void ScreenStateManager::inOwnThread(Work work)
 QWidget* ScreenStateManager::registeredScreen(const QString& name)
 {
     GlobalImpl* registry = GlobalImpl::existingInstance();
-    return registry && registry->getScreenList().contains(name) ? registry->getScreen(name) : nullptr;
+    return registry ? registry->findScreen(name) : nullptr;
 }
 
 QString ScreenStateManager::store()
@@ -126,28 +126,35 @@ QString ScreenStateManager::store()
     return text;
 }
 
-QString ScreenStateManager::screenLayoutProblem(const QString& data)
+QVector<QXmlStreamAttributes> ScreenStateManager::readLayout(const QString& data, QString* problem)
 {
-    if (data.size() > MaxLayoutLength)
-        return QStringLiteral("%1 characters, more than %2").arg(data.size()).arg(MaxLayoutLength);
-    // A first pass that keeps no tree: it bounds the depth and refuses document type
-    // declarations, and with them every entity that could expand.
+    QVector<QXmlStreamAttributes> screens;
+    if (data.size() > MaxLayoutLength) {
+        *problem = QStringLiteral("%1 characters, more than %2").arg(data.size()).arg(MaxLayoutLength);
+        return screens;
+    }
+    // A stream reader keeps no tree, so the depth is bounded before it could hurt, and
+    // document type declarations are refused, and with them every entity that could expand.
     QXmlStreamReader reader(data);
     int depth = 0;
     bool rootSeen = false;
-    while (!reader.atEnd()) {
+    while (!reader.atEnd() && problem->isEmpty()) {
         switch (reader.readNext()) {
         case QXmlStreamReader::DTD:
-            return QStringLiteral("a document type declaration");
+            *problem = QStringLiteral("a document type declaration");
+            break;
         case QXmlStreamReader::EntityReference:
-            return QStringLiteral("an entity reference");
+            *problem = QStringLiteral("an entity reference");
+            break;
         case QXmlStreamReader::StartElement:
             if (depth == 0 && reader.name() != QLatin1String(rootName))
-                return QStringLiteral("the root element is \"%1\", not \"%2\"")
-                    .arg(forLog(reader.name().toString()), QLatin1String(rootName));
+                *problem = QStringLiteral("the root element is \"%1\", not \"%2\"")
+                               .arg(forLog(reader.name().toString()), QLatin1String(rootName));
+            else if (++depth > MaxDepth)
+                *problem = QStringLiteral("elements nested deeper than %1").arg(MaxDepth);
+            else if (depth == 2 && reader.name() == QLatin1String("screen"))
+                screens.append(reader.attributes());
             rootSeen = true;
-            if (++depth > MaxDepth)
-                return QStringLiteral("elements nested deeper than %1").arg(MaxDepth);
             break;
         case QXmlStreamReader::EndElement:
             --depth;
@@ -156,27 +163,22 @@ QString ScreenStateManager::screenLayoutProblem(const QString& data)
             break;
         }
     }
-    if (reader.hasError())
-        return QStringLiteral("line %1, column %2: %3")
-            .arg(reader.lineNumber())
-            .arg(reader.columnNumber())
-            .arg(reader.errorString());
-    if (!rootSeen)
-        return QStringLiteral("no root element");
-    return QString();
+    if (problem->isEmpty() && reader.hasError())
+        *problem = QStringLiteral("line %1, column %2: %3")
+                       .arg(reader.lineNumber())
+                       .arg(reader.columnNumber())
+                       .arg(reader.errorString());
+    if (problem->isEmpty() && !rootSeen)
+        *problem = QStringLiteral("no root element");
+    if (!problem->isEmpty())
+        screens.clear();
+    return screens;
 }
 
 void ScreenStateManager::recall(QString data)
 {
-    QString problem = screenLayoutProblem(data);
-    QDomDocument document;
-    if (problem.isEmpty()) {
-        QString error;
-        int line = 0;
-        int column = 0;
-        if (!document.setContent(data, &error, &line, &column))
-            problem = QStringLiteral("line %1, column %2: %3").arg(line).arg(column).arg(error);
-    }
+    QString problem;
+    const QVector<QXmlStreamAttributes> screens = readLayout(data, &problem);
     if (!problem.isEmpty()) {
         qDebug() << "UserInterface - Error processing Recall data:";
         qDebug().noquote() << ('"' + forLog(data) + '"') << "-" << problem;
@@ -195,13 +197,12 @@ void ScreenStateManager::recall(QString data)
 
     QMap<int, QPointer<QWidget>> stacking;
     int applied = 0;
-    for (QDomElement screen = document.documentElement().firstChildElement(QStringLiteral("screen"));
-         !screen.isNull(); screen = screen.nextSiblingElement(QStringLiteral("screen"))) {
+    for (const QXmlStreamAttributes& screen : screens) {
         if (++applied > MaxScreens) {
             qDebug() << "UserInterface - ScreenStateManager - more than" << MaxScreens << "screens, the rest is ignored";
             break;
         }
-        const QString name = screen.attribute(QStringLiteral("name"));
+        const QString name = screen.value(QStringLiteral("name")).toString();
         if (name.startsWith(QLatin1String("SystemUpdate")))
             continue;
 
@@ -220,7 +221,7 @@ void ScreenStateManager::recall(QString data)
         }
 
         const QPointer<QWidget> guard(widget);
-        if (screen.attribute(QStringLiteral("visible")) == QLatin1String("0")) {
+        if (screen.value(QStringLiteral("visible")) == QLatin1String("0")) {
             call(widget, "1hide()");
         } else {
             call(widget, "1show()");
@@ -238,11 +239,11 @@ void ScreenStateManager::recall(QString data)
             auto* container = static_cast<ContainerImpl*>(guard.data());
             // The place to return to first: entering "Min" goes back to it.
             if (screen.hasAttribute(QStringLiteral("min_geometry"))) {
-                const QStringList parts = screen.attribute(QStringLiteral("min_geometry")).split(QLatin1Char(','));
+                const QStringList parts = screen.value(QStringLiteral("min_geometry")).toString().split(QLatin1Char(','));
                 container->setMinGeometry(
                     QRect(numberAt(parts, 0), numberAt(parts, 1), numberAt(parts, 2), numberAt(parts, 3)));
             }
-            const QString state = screen.attribute(QStringLiteral("state"));
+            const QString state = screen.value(QStringLiteral("state")).toString();
             if (isStateName(state))
                 container->setState(state);
             else
@@ -250,9 +251,9 @@ void ScreenStateManager::recall(QString data)
                                    << "for" << ('"' + forLog(name) + '"');
         });
 
-        const QStringList position = screen.attribute(QStringLiteral("pos")).split(QLatin1Char(','));
+        const QStringList position = screen.value(QStringLiteral("pos")).toString().split(QLatin1Char(','));
         emit updatePosition(widget, numberAt(position, 0), numberAt(position, 1));
-        stacking.insert(screen.attribute(QStringLiteral("z_index")).trimmed().toInt(), guard);
+        stacking.insert(screen.value(QStringLiteral("z_index")).trimmed().toInt(), guard);
     }
 
     for (const QPointer<QWidget>& widget : qAsConst(stacking)) {
@@ -264,12 +265,8 @@ void ScreenStateManager::recall(QString data)
 void ScreenStateManager::move(QWidget* screen, int x, int y)
 {
     // The screen may have gone since the position was sent.
-    bool registered = false;
-    if (GlobalImpl* registry = GlobalImpl::existingInstance()) {
-        for (const QString& name : registry->getScreenList())
-            registered = registered || registry->getScreen(name) == screen;
-    }
-    if (!registered || !screen)
+    GlobalImpl* registry = GlobalImpl::existingInstance();
+    if (!registry || !registry->isScreen(screen))
         return;
 
     // Kept where a touch can reach it.
@@ -291,8 +288,7 @@ void ScreenStateManager::move(QWidget* screen, int x, int y)
     const QPoint from = container->pos();
     container->move(x, y);
     container->saveLocation();
-    GlobalImpl* registry = GlobalImpl::existingInstance();
-    if (registry && registry->desktopManager())
+    if (registry->desktopManager())
         registry->desktopManager()->updatePosition(container, from);
 }
 

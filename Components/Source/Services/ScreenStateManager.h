@@ -5,6 +5,8 @@
 
 #include <QObject>
 #include <QString>
+#include <QVector>
+#include <QXmlStreamAttributes>
 
 class QWidget;
 
@@ -53,8 +55,9 @@ private slots:
     void move(QWidget* screen, int x, int y);
 
 private:
-    // The reason \a data is no layout, or an empty string when it is one worth parsing.
-    static QString screenLayoutProblem(const QString& data);
+    // The attributes of each "screen" element of the layout \a data, in document order;
+    // none, and the reason in \a problem, when \a data is no layout.
+    static QVector<QXmlStreamAttributes> readLayout(const QString& data, QString* problem);
     // The registered screen \a name, or null; an unknown name is not entered.
     static QWidget* registeredScreen(const QString& name);
     // Runs \a work in this object's thread and waits for it.

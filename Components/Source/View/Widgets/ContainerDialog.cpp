@@ -99,8 +99,7 @@ int ContainerDialog::exec(bool)
         QEventLoop loop;
         m_loop = &loop;
         const QPointer<ContainerDialog> self(this);
-        if (m_waiting)
-            loop.exec();
+        loop.exec();
         if (!self)
             return CancelCode;
         m_loop = nullptr;
