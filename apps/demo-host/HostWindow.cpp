@@ -1,18 +1,21 @@
 #include "HostWindow.h"
 
+#include "ApplicationOptions.h"
 #include "CSS.h"
 #include "DemoNavigation.h"
-#include "DemoRemote.h"
 #include "DemoScreens.h"
 #include "DemoStatus.h"
 #include "DemoWidgets.h"
 #include "DesktopImpl.h"
 #include "DesktopManagerImpl.h"
+#include "GUIManagerReceiver.h"
 #include "GlobalImpl.h"
+#include "HostAddress.h"
 #include "ScreenStateManager.h"
 #include "SystemModule.h"
 
 #include <QCloseEvent>
+#include <QDebug>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -51,8 +54,19 @@ DesktopImpl* HostWindow::buildDesktop()
     buildExitMenu();
     // Engines store and recall the arrangement through the remote service.
     registry->systemModule()->setModule(QStringLiteral("ScreenStateManager"), new ScreenStateManager(this));
-    DemoRemote::serve(m_desktop);
+    serveRemote();
     return m_desktop;
+}
+
+void HostWindow::serveRemote()
+{
+    // ORVANTH_INSTRUMENT_HOST names the instrument's naming service by itself.
+    if (ApplicationOptions::orbInitRef().isEmpty() && qEnvironmentVariableIsEmpty("ORBInitRef")
+        && !HostAddress::process().isRemote()) {
+        qDebug() << "UserInterface - Demo host - no naming service, no remote GUI service";
+        return;
+    }
+    GUIManagerReceiver::serve(m_desktop);
 }
 
 void HostWindow::buildExitMenu()

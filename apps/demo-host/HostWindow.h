@@ -33,6 +33,8 @@ protected:
 
 private:
     void buildExitMenu();
+    // Serves the remote GUI service when the host has a naming service.
+    void serveRemote();
 
     QPointer<DesktopImpl> m_desktop;
     // The manager has no parent: it outlives the containers, which release their

@@ -16,7 +16,7 @@
 #include "ApplicationOptions.h"
 #include "ContainerDialog.h"
 #include "ContainerImpl.h"
-#include "DemoRemote.h"
+#include "GUIManagerReceiver.h"
 #include "DesktopImpl.h"
 #include "DesktopManagerImpl.h"
 #include "GUIManagerServer.h"
@@ -113,7 +113,7 @@ TestGuiHost::TestGuiHost()
     m_menuBar->show();
 
     m_window.show();
-    m_server = DemoRemote::serve(m_desktop);
+    m_server = GUIManagerReceiver::serve(m_desktop);
 }
 
 ContainerImpl* TestGuiHost::addContainer(const QString& name)
@@ -137,7 +137,7 @@ ContainerImpl* TestGuiHost::addContainer(const QString& name)
 
 ContainerDialog* TestGuiHost::newestDialog() const
 {
-    auto* receiver = m_server ? qobject_cast<DemoRemote*>(m_server->responseSource()) : nullptr;
+    auto* receiver = m_server ? qobject_cast<GUIManagerReceiver*>(m_server->responseSource()) : nullptr;
     const QList<ContainerDialog*> dialogs = receiver ? receiver->dialogs() : QList<ContainerDialog*>();
     return dialogs.isEmpty() ? nullptr : dialogs.last();
 }

@@ -1,13 +1,10 @@
-#include "DemoRemote.h"
+#include "GUIManagerReceiver.h"
 
-#include "ApplicationOptions.h"
 #include "ContainerDialog.h"
 #include "ContainerImpl.h"
-#include "DesktopImpl.h"
 #include "GUIManagerImpl.h"
 #include "GUIManagerServer.h"
 #include "GlobalImpl.h"
-#include "HostAddress.h"
 #include "MenuBar.h"
 #include "PushButtonImpl.h"
 #include "VerticalScrollBarImpl.h"
@@ -33,9 +30,6 @@ const char rootPathProperty[] = "remoteRootPath";
 const char offeredPathProperty[] = "remoteOfferedPath";
 const char offeredFilenameProperty[] = "remoteOfferedFilename";
 
-// The answer of a dialog that is closed without a button.
-constexpr long cancelCode = -999;
-
 // Remote texts in log lines: a long one is shortened.
 QString forLog(const QString& text)
 {
@@ -53,35 +47,35 @@ QLabel* plainLabel(const QString& text)
 
 } // namespace
 
-GUIManagerServer* DemoRemote::serve(DesktopImpl* desktop)
+GUIManagerServer* GUIManagerReceiver::serve(QWidget* desktop)
 {
-    // ORVANTH_INSTRUMENT_HOST names the instrument's naming service by itself.
-    if (ApplicationOptions::orbInitRef().isEmpty() && qEnvironmentVariableIsEmpty("ORBInitRef")
-        && !HostAddress::process().isRemote()) {
-        qDebug() << "UserInterface - Demo host - no naming service, no remote GUI service";
-        return nullptr;
-    }
     auto* server = new GUIManagerServer(desktop);
-    auto* receiver = new DemoRemote(desktop);
-    server->setResponseSource(receiver);
-    if (server->manager())
-        receiver->connectTo(server->manager());
-    server->initialize();
+    install(server, desktop);
     GlobalImpl::getInstance()->setGUIManagerServer(server);
     server->start();
     return server;
 }
 
-DemoRemote::DemoRemote(DesktopImpl* desktop)
+GUIManagerReceiver* GUIManagerReceiver::install(GUIManagerServer* server, QWidget* desktop)
+{
+    auto* receiver = new GUIManagerReceiver(desktop);
+    server->setResponseSource(receiver);
+    if (server->manager())
+        receiver->connectTo(server->manager());
+    server->initialize();
+    return receiver;
+}
+
+GUIManagerReceiver::GUIManagerReceiver(QWidget* desktop)
     : m_desktop(desktop)
 {
-    setObjectName(QStringLiteral("DemoRemote"));
+    setObjectName(QStringLiteral("GUIManagerReceiver"));
     // Dialogs still open when the desktop closes are cancelled, so that their callers return.
     if (GlobalImpl* registry = GlobalImpl::existingInstance())
         connect(registry, &QObject::destroyed, this, [this] { closeDialog(QString()); });
 }
 
-DemoRemote::~DemoRemote()
+GUIManagerReceiver::~GUIManagerReceiver()
 {
     for (const QPointer<ContainerDialog>& dialog : qAsConst(m_dialogs)) {
         if (dialog && !dialog->property(blockingProperty).toBool())
@@ -89,35 +83,35 @@ DemoRemote::~DemoRemote()
     }
 }
 
-void DemoRemote::connectTo(Lumaro::gui::GUIManagerImpl* manager)
+void GUIManagerReceiver::connectTo(Lumaro::gui::GUIManagerImpl* manager)
 {
     using Manager = Lumaro::gui::GUIManagerImpl;
-    connect(manager, &Manager::showAlert, this, &DemoRemote::showAlert);
-    connect(manager, &Manager::showSimpleDialog, this, &DemoRemote::showSimpleDialog);
-    connect(manager, &Manager::showImageDialog, this, &DemoRemote::showImageDialog);
-    connect(manager, &Manager::showDialogWithParams, this, &DemoRemote::showDialogWithParams);
-    connect(manager, &Manager::showDataEntryDialog, this, &DemoRemote::showDataEntryDialog);
-    connect(manager, &Manager::closeDialog, this, &DemoRemote::closeDialog);
+    connect(manager, &Manager::showAlert, this, &GUIManagerReceiver::showAlert);
+    connect(manager, &Manager::showSimpleDialog, this, &GUIManagerReceiver::showSimpleDialog);
+    connect(manager, &Manager::showImageDialog, this, &GUIManagerReceiver::showImageDialog);
+    connect(manager, &Manager::showDialogWithParams, this, &GUIManagerReceiver::showDialogWithParams);
+    connect(manager, &Manager::showDataEntryDialog, this, &GUIManagerReceiver::showDataEntryDialog);
+    connect(manager, &Manager::closeDialog, this, &GUIManagerReceiver::closeDialog);
     // The remote call returns what these slots answered, so it waits for them.
     const auto blocking = Qt::BlockingQueuedConnection;
-    connect(manager, &Manager::showSimpleDialogBlocking, this, &DemoRemote::showSimpleDialogBlocking, blocking);
-    connect(manager, &Manager::showImageDialogBlocking, this, &DemoRemote::showImageDialogBlocking, blocking);
-    connect(manager, &Manager::showDialogWithParamsBlocking, this, &DemoRemote::showDialogWithParamsBlocking,
+    connect(manager, &Manager::showSimpleDialogBlocking, this, &GUIManagerReceiver::showSimpleDialogBlocking, blocking);
+    connect(manager, &Manager::showImageDialogBlocking, this, &GUIManagerReceiver::showImageDialogBlocking, blocking);
+    connect(manager, &Manager::showDialogWithParamsBlocking, this, &GUIManagerReceiver::showDialogWithParamsBlocking,
             blocking);
-    connect(manager, &Manager::showDataEntryDialogBlocking, this, &DemoRemote::showDataEntryDialogBlocking, blocking);
-    connect(manager, &Manager::showFileSelectDialog, this, &DemoRemote::showFileSelectDialog, blocking);
-    connect(manager, &Manager::isDialogActive, this, &DemoRemote::isDialogActive, blocking);
+    connect(manager, &Manager::showDataEntryDialogBlocking, this, &GUIManagerReceiver::showDataEntryDialogBlocking, blocking);
+    connect(manager, &Manager::showFileSelectDialog, this, &GUIManagerReceiver::showFileSelectDialog, blocking);
+    connect(manager, &Manager::isDialogActive, this, &GUIManagerReceiver::isDialogActive, blocking);
 
-    connect(manager, &Manager::showScreen, this, &DemoRemote::showScreen);
-    connect(manager, &Manager::hideScreen, this, &DemoRemote::hideScreen);
-    connect(manager, &Manager::showScreenExtra, this, &DemoRemote::showScreenExtra);
-    connect(manager, &Manager::hideScreenExtra, this, &DemoRemote::hideScreenExtra);
-    connect(manager, &Manager::moveScreen, this, &DemoRemote::moveScreen);
-    connect(manager, &Manager::setScreenState, this, &DemoRemote::setScreenState);
-    connect(manager, &Manager::showMenuBar, this, &DemoRemote::showMenuBar);
+    connect(manager, &Manager::showScreen, this, &GUIManagerReceiver::showScreen);
+    connect(manager, &Manager::hideScreen, this, &GUIManagerReceiver::hideScreen);
+    connect(manager, &Manager::showScreenExtra, this, &GUIManagerReceiver::showScreenExtra);
+    connect(manager, &Manager::hideScreenExtra, this, &GUIManagerReceiver::hideScreenExtra);
+    connect(manager, &Manager::moveScreen, this, &GUIManagerReceiver::moveScreen);
+    connect(manager, &Manager::setScreenState, this, &GUIManagerReceiver::setScreenState);
+    connect(manager, &Manager::showMenuBar, this, &GUIManagerReceiver::showMenuBar);
 }
 
-QList<ContainerDialog*> DemoRemote::dialogs() const
+QList<ContainerDialog*> GUIManagerReceiver::dialogs() const
 {
     QList<ContainerDialog*> open;
     for (const QPointer<ContainerDialog>& dialog : m_dialogs) {
@@ -127,7 +121,17 @@ QList<ContainerDialog*> DemoRemote::dialogs() const
     return open;
 }
 
-DemoRemote::Request DemoRemote::message(const QString& title, const QString& msg, const QString& buttons)
+ContainerDialog* GUIManagerReceiver::alertBox() const
+{
+    return m_alertBox;
+}
+
+int GUIManagerReceiver::alertCount() const
+{
+    return m_alertBox ? m_alertCount : 0;
+}
+
+GUIManagerReceiver::Request GUIManagerReceiver::message(const QString& title, const QString& msg, const QString& buttons)
 {
     Request request;
     request.title = title;
@@ -136,7 +140,7 @@ DemoRemote::Request DemoRemote::message(const QString& title, const QString& msg
     return request;
 }
 
-DemoRemote::Request DemoRemote::dataEntry(const QString& title, const QString& msg, const QString& buttons,
+GUIManagerReceiver::Request GUIManagerReceiver::dataEntry(const QString& title, const QString& msg, const QString& buttons,
                                           const QString& offered)
 {
     Request request = message(title, msg, buttons);
@@ -145,17 +149,36 @@ DemoRemote::Request DemoRemote::dataEntry(const QString& title, const QString& m
     return request;
 }
 
-void DemoRemote::showAlert(const QString& msg, bool)
+void GUIManagerReceiver::showAlert(const QString& msg, bool)
 {
-    open(message(tr("Alert"), msg, tr("OK") + QStringLiteral(",1")), false);
+    if (m_alertBox) {
+        addToAlertBox(msg);
+        return;
+    }
+    Request request = message(tr("Alert"), msg, tr("OK") + QStringLiteral(",1"));
+    request.kind = Request::Alert;
+    m_alertBox = open(request, false);
+    m_alertCount = 1;
 }
 
-void DemoRemote::showSimpleDialog(const QString& title, const QString& msg, const QString& button, bool, bool)
+void GUIManagerReceiver::addToAlertBox(const QString& msg)
+{
+    ++m_alertCount;
+    if (QLabel* count = m_alertBox->findChild<QLabel*>(QStringLiteral("alertCount"))) {
+        count->setText(tr("%n alert(s), the latest:", "", m_alertCount));
+        count->show();
+    }
+    if (QLabel* text = m_alertBox->findChild<QLabel*>(QStringLiteral("dialogMessage")))
+        text->setText(msg);
+    m_alertBox->raise();
+}
+
+void GUIManagerReceiver::showSimpleDialog(const QString& title, const QString& msg, const QString& button, bool, bool)
 {
     open(message(title, msg, button), false);
 }
 
-void DemoRemote::showImageDialog(const QString& title, const QString& msg, const QString& imageFile,
+void GUIManagerReceiver::showImageDialog(const QString& title, const QString& msg, const QString& imageFile,
                                  const QString& button, bool, bool)
 {
     Request request = message(title, msg, button);
@@ -163,7 +186,7 @@ void DemoRemote::showImageDialog(const QString& title, const QString& msg, const
     open(request, false);
 }
 
-void DemoRemote::showDialogWithParams(const QString& title, const QString& msg, const QStringList& params,
+void GUIManagerReceiver::showDialogWithParams(const QString& title, const QString& msg, const QStringList& params,
                                       const QString& button, bool, bool)
 {
     Request request = message(title, msg, button);
@@ -171,18 +194,18 @@ void DemoRemote::showDialogWithParams(const QString& title, const QString& msg, 
     open(request, false);
 }
 
-void DemoRemote::showDataEntryDialog(const QString& title, const QString& msg, const QString& button,
+void GUIManagerReceiver::showDataEntryDialog(const QString& title, const QString& msg, const QString& button,
                                      const QString& data, bool, bool)
 {
     open(dataEntry(title, msg, button, data), false);
 }
 
-void DemoRemote::showSimpleDialogBlocking(const QString& title, const QString& msg, const QString& button, bool)
+void GUIManagerReceiver::showSimpleDialogBlocking(const QString& title, const QString& msg, const QString& button, bool)
 {
     open(message(title, msg, button), true);
 }
 
-void DemoRemote::showImageDialogBlocking(const QString& title, const QString& msg, const QString& imageFile,
+void GUIManagerReceiver::showImageDialogBlocking(const QString& title, const QString& msg, const QString& imageFile,
                                          const QString& button, bool)
 {
     Request request = message(title, msg, button);
@@ -190,7 +213,7 @@ void DemoRemote::showImageDialogBlocking(const QString& title, const QString& ms
     open(request, true);
 }
 
-void DemoRemote::showDialogWithParamsBlocking(const QString& title, const QString& msg, const QStringList& params,
+void GUIManagerReceiver::showDialogWithParamsBlocking(const QString& title, const QString& msg, const QStringList& params,
                                               const QString& button, bool)
 {
     Request request = message(title, msg, button);
@@ -198,13 +221,13 @@ void DemoRemote::showDialogWithParamsBlocking(const QString& title, const QStrin
     open(request, true);
 }
 
-void DemoRemote::showDataEntryDialogBlocking(const QString& title, const QString& msg, const QString& button,
+void GUIManagerReceiver::showDataEntryDialogBlocking(const QString& title, const QString& msg, const QString& button,
                                              const QString& data, bool)
 {
     open(dataEntry(title, msg, button, data), true);
 }
 
-void DemoRemote::showFileSelectDialog(const QString& title, const QString& rootpath, const QString& path,
+void GUIManagerReceiver::showFileSelectDialog(const QString& title, const QString& rootpath, const QString& path,
                                       const QString& filename)
 {
     Request request = message(title, tr("Choose a file in %1").arg(rootpath),
@@ -216,30 +239,31 @@ void DemoRemote::showFileSelectDialog(const QString& title, const QString& rootp
     open(request, true);
 }
 
-void DemoRemote::open(const Request& request, bool wait)
+ContainerDialog* GUIManagerReceiver::open(const Request& request, bool wait)
 {
     ContainerDialog* dialog = nullptr;
     if (!m_desktop || !GlobalImpl::existingInstance())
-        qDebug() << "UserInterface - Demo host - desktop closing, remote dialog not shown:" << forLog(request.title);
+        qDebug() << "UserInterface - GUIManager receiver - desktop closing, remote dialog not shown:" << forLog(request.title);
     else
         dialog = build(request);
     if (!dialog) {
         switch (request.kind) {
         case Request::DataEntry:
-            emit retResponse(cancelCode, request.entry);
+            emit retResponse(long(ContainerDialog::CancelCode), request.entry);
             break;
         case Request::FileSelect:
-            emit retResponse(cancelCode, request.entry, request.filename);
+            emit retResponse(long(ContainerDialog::CancelCode), request.entry, request.filename);
             break;
         case Request::Message:
-            emit retResponse(cancelCode);
+        case Request::Alert:
+            emit retResponse(long(ContainerDialog::CancelCode));
             break;
         }
-        return;
+        return nullptr;
     }
 
     m_dialogs.append(dialog);
-    qDebug() << "UserInterface - Demo host - remote dialog shown:" << forLog(request.title);
+    qDebug() << "UserInterface - GUIManager receiver - remote dialog shown:" << forLog(request.title);
     if (!wait) {
         // Nobody waits in exec(): a press answers and closes the dialog here.
         for (Lumaro::gui::PushButtonImpl* button : dialog->findChildren<Lumaro::gui::PushButtonImpl*>()) {
@@ -249,20 +273,21 @@ void DemoRemote::open(const Request& request, bool wait)
             });
         }
         dialog->show();
-        return;
+        return dialog;
     }
 
     dialog->setProperty(blockingProperty, true);
-    const QPointer<DemoRemote> self(this);
+    const QPointer<GUIManagerReceiver> self(this);
     const QPointer<ContainerDialog> guard(dialog);
     const int code = dialog->exec(true);
-    if (!self || !guard)
-        return;
-    answer(dialog, code);
-    forget(dialog);
+    if (self && guard) {
+        answer(dialog, code);
+        forget(dialog);
+    }
+    return nullptr;
 }
 
-ContainerDialog* DemoRemote::build(const Request& request)
+ContainerDialog* GUIManagerReceiver::build(const Request& request)
 {
     auto* dialog = new ContainerDialog(m_desktop);
     dialog->setWindowTitle(request.title, 0);
@@ -279,13 +304,22 @@ ContainerDialog* DemoRemote::build(const Request& request)
     scrollArea->setVerticalScrollBar(new Lumaro::gui::VerticalScrollBarImpl);
     auto* contents = new QWidget;
     auto* contentsLayout = new QVBoxLayout(contents);
-    contentsLayout->addWidget(plainLabel(request.message));
+    if (request.kind == Request::Alert) {
+        // Shown once a second alert joins the box.
+        QLabel* count = plainLabel(QString());
+        count->setObjectName(QStringLiteral("alertCount"));
+        count->hide();
+        contentsLayout->addWidget(count);
+    }
+    QLabel* text = plainLabel(request.message);
+    text->setObjectName(QStringLiteral("dialogMessage"));
+    contentsLayout->addWidget(text);
     for (const QString& parameter : request.parameters)
         contentsLayout->addWidget(plainLabel(parameter));
     if (!request.imageFile.isEmpty()) {
         const QPixmap image(request.imageFile);
         if (image.isNull()) {
-            qDebug() << "UserInterface - Demo host - remote dialog image not readable:" << forLog(request.imageFile);
+            qDebug() << "UserInterface - GUIManager receiver - remote dialog image not readable:" << forLog(request.imageFile);
             contentsLayout->addWidget(plainLabel(tr("(image not available)")));
         } else {
             auto* picture = new QLabel;
@@ -311,7 +345,7 @@ ContainerDialog* DemoRemote::build(const Request& request)
     } else if (request.kind == Request::FileSelect) {
         const QDir root(request.rootPath);
         if (!root.exists())
-            qDebug() << "UserInterface - Demo host - remote file selection: no folder" << forLog(request.rootPath);
+            qDebug() << "UserInterface - GUIManager receiver - remote file selection: no folder" << forLog(request.rootPath);
         auto* files = new QListWidget;
         files->setObjectName(QStringLiteral("fileList"));
         files->addItems(root.exists() ? root.entryList(QDir::Files, QDir::Name) : QStringList());
@@ -330,29 +364,29 @@ ContainerDialog* DemoRemote::build(const Request& request)
 
     const int entries = request.buttons.split(QLatin1Char('|')).size();
     if (count < entries)
-        qDebug() << "UserInterface - Demo host - remote dialog" << forLog(request.title) << "-" << entries - count
+        qDebug() << "UserInterface - GUIManager receiver - remote dialog" << forLog(request.title) << "-" << entries - count
                  << "of" << entries << "button entries are not \"label,code\":" << forLog(request.buttons);
     for (Lumaro::gui::PushButtonImpl* button : dialog->findChildren<Lumaro::gui::PushButtonImpl*>()) {
         bool numeric = false;
         button->button()->objectName().toLong(&numeric);
         if (!numeric)
-            qDebug() << "UserInterface - Demo host - remote dialog" << forLog(request.title) << "- button"
+            qDebug() << "UserInterface - GUIManager receiver - remote dialog" << forLog(request.title) << "- button"
                      << button->buttonText() << "has no numeric code, it answers 0:"
                      << forLog(button->button()->objectName());
     }
     if (count == 0) {
         // Nothing could ever answer it, and its caller would wait for ever.
-        qDebug() << "UserInterface - Demo host - remote dialog" << forLog(request.title)
-                 << "has no button; answered" << cancelCode << "without showing it";
+        qDebug() << "UserInterface - GUIManager receiver - remote dialog" << forLog(request.title)
+                 << "has no button; answered" << long(ContainerDialog::CancelCode) << "without showing it";
         delete dialog;
         return nullptr;
     }
     return dialog;
 }
 
-void DemoRemote::answer(ContainerDialog* dialog, long code)
+void GUIManagerReceiver::answer(ContainerDialog* dialog, long code)
 {
-    qDebug() << "UserInterface - Demo host - remote dialog answered:" << forLog(dialog->property(titleProperty).toString())
+    qDebug() << "UserInterface - GUIManager receiver - remote dialog answered:" << forLog(dialog->property(titleProperty).toString())
              << code;
     switch (Request::Kind(dialog->property(kindProperty).toInt())) {
     case Request::DataEntry: {
@@ -371,37 +405,41 @@ void DemoRemote::answer(ContainerDialog* dialog, long code)
         break;
     }
     case Request::Message:
+    case Request::Alert:
         emit retResponse(code);
         break;
     }
 }
 
-void DemoRemote::forget(ContainerDialog* dialog)
+void GUIManagerReceiver::forget(ContainerDialog* dialog)
 {
     m_dialogs.removeAll(dialog);
+    // The next alert opens a box of its own, even before this one is deleted.
+    if (dialog == m_alertBox)
+        m_alertBox = nullptr;
     dialog->hide();
     dialog->deleteLater();
 }
 
-void DemoRemote::closeDialog(const QString& dialog)
+void GUIManagerReceiver::closeDialog(const QString& dialog)
 {
     const QList<QPointer<ContainerDialog>> open = m_dialogs;
     for (const QPointer<ContainerDialog>& candidate : open) {
         if (!candidate || (!dialog.isNull() && candidate->property(titleProperty).toString() != dialog))
             continue;
-        qDebug() << "UserInterface - Demo host - remote dialog closed:"
+        qDebug() << "UserInterface - GUIManager receiver - remote dialog closed:"
                  << forLog(candidate->property(titleProperty).toString());
         if (candidate->property(blockingProperty).toBool()) {
             // Its exec() returns the cancel, and the waiting call gets it.
             candidate->cancelDialog();
         } else {
-            answer(candidate, cancelCode);
+            answer(candidate, long(ContainerDialog::CancelCode));
             forget(candidate);
         }
     }
 }
 
-void DemoRemote::isDialogActive(const QString& dialog)
+void GUIManagerReceiver::isDialogActive(const QString& dialog)
 {
     bool open = false;
     for (const QPointer<ContainerDialog>& candidate : qAsConst(m_dialogs))
@@ -409,37 +447,37 @@ void DemoRemote::isDialogActive(const QString& dialog)
     emit retResponse(long(open ? 1 : 0));
 }
 
-bool DemoRemote::isRegisteredScreen(QWidget* screen)
+bool GUIManagerReceiver::isRegisteredScreen(QWidget* screen)
 {
     GlobalImpl* registry = GlobalImpl::existingInstance();
     return registry && registry->isScreen(screen);
 }
 
-void DemoRemote::showScreen(QWidget* screen)
+void GUIManagerReceiver::showScreen(QWidget* screen)
 {
     if (!isRegisteredScreen(screen)) {
-        qDebug() << "UserInterface - Demo host - remote: that screen is gone";
+        qDebug() << "UserInterface - GUIManager receiver - remote: that screen is gone";
         return;
     }
     screen->show();
     screen->raise();
-    qDebug() << "UserInterface - Demo host - remote: screen shown" << screen->objectName();
+    qDebug() << "UserInterface - GUIManager receiver - remote: screen shown" << screen->objectName();
 }
 
-void DemoRemote::hideScreen(QWidget* screen)
+void GUIManagerReceiver::hideScreen(QWidget* screen)
 {
     if (!isRegisteredScreen(screen)) {
-        qDebug() << "UserInterface - Demo host - remote: that screen is gone";
+        qDebug() << "UserInterface - GUIManager receiver - remote: that screen is gone";
         return;
     }
     screen->hide();
-    qDebug() << "UserInterface - Demo host - remote: screen hidden" << screen->objectName();
+    qDebug() << "UserInterface - GUIManager receiver - remote: screen hidden" << screen->objectName();
 }
 
-void DemoRemote::showScreenExtra(QWidget* screen, const QString& extra)
+void GUIManagerReceiver::showScreenExtra(QWidget* screen, const QString& extra)
 {
     if (!isRegisteredScreen(screen)) {
-        qDebug() << "UserInterface - Demo host - remote: no screen for" << forLog(extra);
+        qDebug() << "UserInterface - GUIManager receiver - remote: no screen for" << forLog(extra);
         return;
     }
     screen->show();
@@ -448,27 +486,27 @@ void DemoRemote::showScreenExtra(QWidget* screen, const QString& extra)
     else if (extra == QLatin1String("front"))
         screen->raise();
     else
-        qDebug() << "UserInterface - Demo host - remote: unknown screen extra" << forLog(extra);
+        qDebug() << "UserInterface - GUIManager receiver - remote: unknown screen extra" << forLog(extra);
 }
 
-void DemoRemote::hideScreenExtra(QWidget* screen, const QString& extra)
+void GUIManagerReceiver::hideScreenExtra(QWidget* screen, const QString& extra)
 {
     if (!isRegisteredScreen(screen)) {
-        qDebug() << "UserInterface - Demo host - remote: that screen is gone";
+        qDebug() << "UserInterface - GUIManager receiver - remote: that screen is gone";
         return;
     }
     if (extra == QLatin1String("back")) {
         screen->lower();
         return;
     }
-    qDebug() << "UserInterface - Demo host - remote: unknown screen extra" << forLog(extra);
+    qDebug() << "UserInterface - GUIManager receiver - remote: unknown screen extra" << forLog(extra);
     screen->hide();
 }
 
-void DemoRemote::moveScreen(QWidget* screen, int x, int y)
+void GUIManagerReceiver::moveScreen(QWidget* screen, int x, int y)
 {
     if (!isRegisteredScreen(screen)) {
-        qDebug() << "UserInterface - Demo host - remote: that screen is gone";
+        qDebug() << "UserInterface - GUIManager receiver - remote: that screen is gone";
         return;
     }
     if (auto* container = qobject_cast<ContainerImpl*>(screen)) {
@@ -480,21 +518,21 @@ void DemoRemote::moveScreen(QWidget* screen, int x, int y)
     }
 }
 
-void DemoRemote::setScreenState(ContainerImpl* container, const QString& size)
+void GUIManagerReceiver::setScreenState(ContainerImpl* container, const QString& size)
 {
     if (!isRegisteredScreen(container)) {
-        qDebug() << "UserInterface - Demo host - remote: that screen is gone";
+        qDebug() << "UserInterface - GUIManager receiver - remote: that screen is gone";
         return;
     }
     container->setState(size);
 }
 
-void DemoRemote::showMenuBar(bool visible)
+void GUIManagerReceiver::showMenuBar(bool visible)
 {
     GlobalImpl* registry = GlobalImpl::existingInstance();
     MenuBar* menuBar = registry ? registry->topNavMenu() : nullptr;
     if (!menuBar) {
-        qDebug() << "UserInterface - Demo host - remote: no navigation bar to show or hide";
+        qDebug() << "UserInterface - GUIManager receiver - remote: no navigation bar to show or hide";
         return;
     }
     menuBar->showMenuBar(visible);

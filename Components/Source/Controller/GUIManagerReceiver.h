@@ -1,5 +1,7 @@
-#ifndef DEMOREMOTE_H
-#define DEMOREMOTE_H
+#ifndef GUIMANAGERRECEIVER_H
+#define GUIMANAGERRECEIVER_H
+
+#include "tzuicomponents_export.h"
 
 #include <QList>
 #include <QObject>
@@ -9,8 +11,8 @@
 
 class ContainerDialog;
 class ContainerImpl;
-class DesktopImpl;
 class GUIManagerServer;
+class QLabel;
 class QWidget;
 
 namespace Lumaro {
@@ -20,35 +22,49 @@ class GUIManagerImpl;
 } // namespace Lumaro
 
 /**
- * The demo's side of the remote GUI service: the receiver of the servant's signals, in
- * the GUI thread. It shows, hides, moves, resizes and stacks registered screens, and
- * opens the alerts and dialogs the engines ask for as container dialogs, handing every
- * answer back through retResponse. A dialog is named by its title.
+ * The receiver of the remote GUI service's signals, in the GUI thread: it shows, hides,
+ * moves, resizes and stacks registered screens, and opens the alerts and dialogs that
+ * engines ask for as container dialogs over the desktop, handing every answer back to
+ * the servant through retResponse. A dialog is named by its title.
+ *
+ * Alerts share one box: while it is open, a further alert (from an engine or from the
+ * status bar) shows its text there and counts it, and the box's one answer answers every
+ * alert it holds. A desktop that receives alerts faster than anyone reads them thus
+ * shows one box, not thousands.
  *
  * A screen request may carry an extra word ("name,extra"): "front" shows the screen on
  * top of the others, "back" behind them; with a hide request "back" sends the screen
  * behind the others instead of hiding it.
+ *
+ * A host installs it with install(); a host with its own receiver connects the servant's
+ * signals itself and hands it to GUIManagerServer::setResponseSource().
  */
-class DemoRemote : public QObject
+class TZUICOMPONENTS_EXPORT GUIManagerReceiver : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Starts the service over \a desktop when the host has a naming service (the
-    /// option "-ORBInitRef" or the ORBInitRef environment variable). The server is a
-    /// child of \a desktop and registered in the registry; null when not started.
-    static GUIManagerServer* serve(DesktopImpl* desktop);
+    /// Serves the remote GUI service with a receiver whose dialogs open over \a desktop:
+    /// builds the server as a child of \a desktop, installs the receiver, registers the
+    /// server in the registry and starts it. The server owns the receiver.
+    static GUIManagerServer* serve(QWidget* desktop);
+    /// Gives \a server a receiver whose dialogs open over \a desktop, connected to its
+    /// servant, and initialises the server; the host then starts it.
+    static GUIManagerReceiver* install(GUIManagerServer* server, QWidget* desktop);
 
-    /// Dialogs open over \a desktop. The server owns the receiver.
-    explicit DemoRemote(DesktopImpl* desktop);
-    ~DemoRemote() override;
+    explicit GUIManagerReceiver(QWidget* desktop);
+    ~GUIManagerReceiver() override;
 
     /// Connects every signal of \a manager to its slot here; those whose call waits for
     /// the answer with a blocking queued connection.
     void connectTo(Lumaro::gui::GUIManagerImpl* manager);
 
-    /// The open dialogs, oldest first.
+    /// The open dialogs, oldest first; the alert box among them.
     QList<ContainerDialog*> dialogs() const;
+    /// The open alert box, or null.
+    ContainerDialog* alertBox() const;
+    /// How many alerts the open alert box holds (0 when none is open).
+    int alertCount() const;
 
 signals:
     void retResponse(const long& code);
@@ -89,7 +105,7 @@ private:
     // What a dialog shows; one builder makes every kind from it.
     struct Request
     {
-        enum Kind { Message, DataEntry, FileSelect };
+        enum Kind { Message, Alert, DataEntry, FileSelect };
         Kind kind = Message;
         QString title;
         QString message;
@@ -103,17 +119,21 @@ private:
 
     static Request message(const QString& title, const QString& msg, const QString& buttons);
     static Request dataEntry(const QString& title, const QString& msg, const QString& buttons, const QString& offered);
-    void open(const Request& request, bool wait);
+    // The dialog left open when nobody waits for it; null otherwise.
+    ContainerDialog* open(const Request& request, bool wait);
     ContainerDialog* build(const Request& request);
     // Hands the answer of \a dialog back, with its entry text or file selection.
     void answer(ContainerDialog* dialog, long code);
     void forget(ContainerDialog* dialog);
+    void addToAlertBox(const QString& msg);
     // Whether \a screen is still a registered screen: a pointer from another thread is
     // compared, never followed, until then.
     static bool isRegisteredScreen(QWidget* screen);
 
-    QPointer<DesktopImpl> m_desktop;
+    QPointer<QWidget> m_desktop;
     QList<QPointer<ContainerDialog>> m_dialogs;
+    QPointer<ContainerDialog> m_alertBox;
+    int m_alertCount = 0;
 };
 
 #endif
