@@ -15,7 +15,10 @@
 
 #include <OrvanthTopicsPubSubTypes.h>
 
+#include <QAbstractAnimation>
 #include <QDateTime>
+#include <QPlainTextEdit>
+#include <QTimer>
 #include <QPushButton>
 #include <QtTest>
 
@@ -38,6 +41,7 @@ private slots:
     void logsBadMessagesAndKeepsThem();
     void dropsUnknownClassFromEngine();
     void restartsLogAtTopAfterThousandMessages();
+    void keepsObjectsFlatUnderThousandsOfMessages();
     void cyclesThroughSizes_data();
     void cyclesThroughSizes();
 };
@@ -244,6 +248,37 @@ void TestQTZStatusBar::restartsLogAtTopAfterThousandMessages()
     QCOMPARE(lines.at(1), QStringLiteral("t INFO: 1"));
     QCOMPARE(bar.messageLog()->lineColour(0), QColor(Qt::red));
     QCOMPARE(bar.messageLog()->lineColour(1), QColor(Qt::black));
+}
+
+void TestQTZStatusBar::keepsObjectsFlatUnderThousandsOfMessages()
+{
+    Desktop desktop;
+    QTZStatusBar& bar = *desktop.bar;
+    const auto counts = [&desktop, &bar] {
+        const QTextDocument* document = bar.messageLog()->findChild<QPlainTextEdit*>()->document();
+        return QVector<int>{desktop.window.findChildren<QObject*>().size(),
+                            desktop.window.findChildren<QAbstractAnimation*>().size(),
+                            desktop.window.findChildren<QTimer*>().size(), document->blockCount(),
+                            document->availableUndoSteps()};
+    };
+    // Every class in turn, alerts held back and sent, the bubble and the slides included.
+    const auto post = [&bar](int count) {
+        for (int i = 0; i < count; ++i) {
+            bar.addMessage(QStringLiteral("Message %1").arg(i), QStringLiteral("t"), EventClass(i % 6));
+            if (i % 100 == 0)
+                QCoreApplication::processEvents();
+        }
+        bar.sendAllAlertMessages();
+        QTest::qWait(300);
+    };
+    // The first rounds fill the ring and let the log document build its root frame once.
+    post(1000);
+    post(1000);
+    const QVector<int> settled = counts();
+    post(3000);
+    QCOMPARE(counts(), settled);
+    QCOMPARE(settled.at(3), 1000);
+    QCOMPARE(settled.at(4), 0);
 }
 
 void TestQTZStatusBar::cyclesThroughSizes_data()
