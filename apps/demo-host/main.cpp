@@ -11,11 +11,16 @@
 
 #include <QApplication>
 #include <QDebug>
+#include <QPixmapCache>
 #include <QTimer>
 
 int main(int argc, char* argv[])
 {
     QApplication app(argc, argv);
+    // Each dialog parses its own style sheets into icons of its own, and Qt keeps their
+    // renderings in the pixmap cache after the dialog is gone until the cache is full.
+    // What the desktop paints at once fits in far less than the default 10 MB.
+    QPixmapCache::setCacheLimit(2048);
 
     // Option problems are reported before the registry takes over the diagnostic
     // output, so they are seen whatever the switch says.
