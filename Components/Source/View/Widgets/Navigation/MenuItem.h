@@ -3,13 +3,13 @@
 
 #include "tzuicomponents_export.h"
 
+#include <QFrame>
 #include <QPoint>
 #include <QPointer>
 #include <QPushButton>
 #include <QString>
 
 class MenuWidgetImpl;
-class QFrame;
 class QMouseEvent;
 class ScrollableMenuBarFrame;
 

@@ -3,12 +3,12 @@
 
 #include "tzuicomponents_export.h"
 
+#include <QFrame>
 #include <QPoint>
 #include <QPointer>
 #include <QPushButton>
 #include <QString>
 
-class QFrame;
 class QMouseEvent;
 class QPaintEvent;
 class QScrollArea;

@@ -3,11 +3,11 @@
 
 #include "tzuicomponents_export.h"
 
+#include <QFrame>
 #include <QPointer>
 #include <QPushButton>
 #include <QString>
 
-class QFrame;
 class SubMenu;
 class SubSubMenu;
 

@@ -75,6 +75,11 @@ QString batteryStyleSheet()
 
 } // namespace
 
+QTZLowBatteryAlert* QTZBatteryStatus::lowBatteryAlert() const
+{
+    return m_alert;
+}
+
 QTZBatteryStatus::QTZBatteryStatus(QWidget* parent)
     : QFrame(parent)
     , m_styleSheet(batteryStyleSheet())

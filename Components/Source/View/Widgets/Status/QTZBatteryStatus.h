@@ -49,7 +49,7 @@ public:
     /// The last level in percent (the reading truncated toward zero).
     int level() const { return m_level; }
     bool hasACPower() const { return m_acPower; }
-    QTZLowBatteryAlert* lowBatteryAlert() const { return m_alert; }
+    QTZLowBatteryAlert* lowBatteryAlert() const;
 
 signals:
     void updateACPowerStatus(bool present);

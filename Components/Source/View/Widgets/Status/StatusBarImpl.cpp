@@ -436,6 +436,11 @@ void StatusBarImpl::addIcon(QWidget* icon)
 
 // The battery indicator.
 
+LowBatteryAlert* StatusBarImpl::lowBatteryAlert() const
+{
+    return m_batteryAlert.data();
+}
+
 QString StatusBarImpl::batteryState() const
 {
     return m_batteryState;

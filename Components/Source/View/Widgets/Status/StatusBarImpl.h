@@ -80,7 +80,7 @@ public:
     /// "LowBattery"), empty without a battery indicator.
     QString batteryState() const;
     QString batteryText() const;
-    LowBatteryAlert* lowBatteryAlert() const { return m_batteryAlert.data(); }
+    LowBatteryAlert* lowBatteryAlert() const;
     /// The oscillator button shows an external reference.
     bool isExternalReference() const;
     bool hasReferenceOscillator() const { return !CORBA::is_nil(m_refOscillator.in()); }
