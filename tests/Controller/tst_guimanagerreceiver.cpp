@@ -1,8 +1,10 @@
 // The library's receiver of the remote GUI service: alerts, from the status bar or from an
 // engine, share one box that counts them, and the box's one answer goes to every alert it
-// holds, a remote DisplayAlert waiting meanwhile included.
+// holds, a remote DisplayAlert waiting meanwhile included. Screen requests from an engine
+// never wait for the GUI thread.
 
 #include "ContainerDialog.h"
+#include "ContainerImpl.h"
 #include "GUIManagerImpl.h"
 #include "GUIManagerReceiver.h"
 #include "GlobalImpl.h"
@@ -22,6 +24,7 @@ private slots:
     void alertsShareOneBoxUntilAnswered();
     void remoteAlertIsAnsweredByOpenBox();
     void closingAllDialogsCancelsAlertBox();
+    void screenRequestsDoNotWaitForGuiThread();
 };
 
 namespace {
@@ -128,6 +131,47 @@ void TestGUIManagerReceiver::closingAllDialogsCancelsAlertBox()
     QCOMPARE(answers.first().first().value<long>(), long(ContainerDialog::CancelCode));
     QVERIFY(desktop.receiver.dialogs().isEmpty());
     QCOMPARE(desktop.receiver.alertCount(), 0);
+}
+
+void TestGUIManagerReceiver::screenRequestsDoNotWaitForGuiThread()
+{
+    Desktop desktop;
+    GlobalImpl* registry = GlobalImpl::getInstance();
+    auto* container = new ContainerImpl(&desktop.window);
+    container->init();
+    registry->addScreen(QStringLiteral("Busy"), container);
+    auto* plain = new QWidget(&desktop.window);
+    registry->addScreen(QStringLiteral("Plain"), plain);
+    auto* servant = new Lumaro::gui::GUIManagerImpl(nullptr);
+    using Manager = Lumaro::gui::GUIManagerImpl;
+    QSignalSpy shown(servant, &Manager::showScreen);
+    QSignalSpy moved(servant, &Manager::moveScreen);
+    QSignalSpy sized(servant, &Manager::setScreenState);
+    QSignalSpy hidden(servant, &Manager::hideScreen);
+
+    // The GUI thread is busy here, as it is inside a call to the engine that asks.
+    std::future<void> calls = std::async(std::launch::async, [servant] {
+        servant->ShowScreen("Busy");
+        servant->MoveScreen("Busy", 10, 20);
+        servant->ChangeSize("Busy", "Max");
+        servant->ChangeSize("Plain", "Max");
+        servant->HideScreen("Busy");
+    });
+    QCOMPARE(calls.wait_for(std::chrono::seconds(5)), std::future_status::ready);
+    QCOMPARE(shown.size(), 1);
+    QCOMPARE(shown.first().first().value<QWidget*>(), container);
+    QCOMPARE(moved.size(), 1);
+    QCOMPARE(sized.size(), 1);
+    QCOMPARE(sized.first().first().value<ContainerImpl*>(), container);
+    QCOMPARE(hidden.size(), 1);
+
+    // A deleted screen is gone for remote callers at once.
+    delete plain;
+    QVERIFY(!servant->GetScreen(QStringLiteral("Plain")));
+    QCOMPARE(servant->GetScreen(QStringLiteral("Busy")), container);
+    registry->removeScreen(QStringLiteral("Busy"));
+    registry->removeScreen(QStringLiteral("Plain"));
+    servant->_remove_ref();
 }
 
 QTEST_MAIN(TestGUIManagerReceiver)

@@ -12,6 +12,7 @@
 #include <QDebug>
 #include <QMetaObject>
 #include <QMutexLocker>
+#include <QResizeEvent>
 #include <QThread>
 #include <QWidget>
 
@@ -48,6 +49,12 @@ QObject* screenStateManager()
     return systemModule ? systemModule->getModule(QStringLiteral("ScreenStateManager")) : nullptr;
 }
 
+// The desktop's size in one word, so that an ORB thread reads width and height together.
+qint64 packedSize(const QSize& size)
+{
+    return (qint64(qMax(0, size.width())) << 32) | qint64(qMax(0, size.height()));
+}
+
 } // namespace
 
 GUIManagerImpl::GUIManagerImpl(QObject* parent)
@@ -67,6 +74,10 @@ void GUIManagerImpl::initialize()
         return;
     if (QTZStatusBar* statusBar = registry->statusBar())
         connect(statusBar, &QTZStatusBar::sendAlert, this, &GUIManagerImpl::showAlert);
+    if (DesktopImpl* desktop = registry->desktop()) {
+        desktop->installEventFilter(this);
+        m_desktopSize.store(packedSize(desktop->size()), std::memory_order_release);
+    }
 
     if (QWidget* dcs = registry->systemModule()->getSystemScreen(QStringLiteral("DCS")))
         connect(this, &GUIManagerImpl::showDCS, dcs, &QWidget::show);
@@ -76,13 +87,9 @@ void GUIManagerImpl::initialize()
 
 QWidget* GUIManagerImpl::GetScreen(const QString& name)
 {
-    QWidget* screen = nullptr;
-    inGuiThread([&] {
-        GlobalImpl* registry = GlobalImpl::existingInstance();
-        if (registry)
-            screen = registry->findScreen(name);
-    });
-    return screen;
+    // From the registry's published table: a screen request never waits for the GUI
+    // thread, which may itself be inside a call to the engine that is asking.
+    return GlobalImpl::screenFromAnyThread(name);
 }
 
 void GUIManagerImpl::shutdown()
@@ -92,6 +99,22 @@ void GUIManagerImpl::shutdown()
     qDebug() << "UserInterface - GUIManager - shutting down, closing every dialog";
     // A call waiting on a dialog returns once the receiver has closed it.
     emit closeDialog(QString());
+}
+
+bool GUIManagerImpl::eventFilter(QObject* watched, QEvent* event)
+{
+    // Installed on the desktop alone.
+    if (event->type() == QEvent::Resize)
+        m_desktopSize.store(packedSize(static_cast<QResizeEvent*>(event)->size()), std::memory_order_release);
+    return QObject::eventFilter(watched, event);
+}
+
+QSize GUIManagerImpl::desktopArea() const
+{
+    const qint64 packed = m_desktopSize.load(std::memory_order_acquire);
+    if (packed < 0)
+        return QSize(maxCoordinate + 1, maxCoordinate + 1);
+    return QSize(int(packed >> 32), int(packed & 0xffffffff));
 }
 
 template <class Work>
@@ -424,16 +447,8 @@ void GUIManagerImpl::MoveScreen(const char* screen, CORBA::Long x, CORBA::Long y
         if (!serving("MoveScreen"))
             return;
         const QString name = incoming(screen, "MoveScreen");
-        QWidget* widget = nullptr;
-        QSize area(maxCoordinate + 1, maxCoordinate + 1);
-        inGuiThread([&] {
-            GlobalImpl* registry = GlobalImpl::existingInstance();
-            if (!registry)
-                return;
-            widget = registry->findScreen(name);
-            if (DesktopImpl* desktop = registry->desktop())
-                area = desktop->size();
-        });
+        QWidget* widget = GetScreen(name);
+        const QSize area = desktopArea();
         if (!widget) {
             qDebug().noquote() << "UserInterface - GUIManager - MoveScreen - no screen" << ('"' + forLog(name) + '"');
             return;
@@ -462,14 +477,9 @@ void GUIManagerImpl::ChangeSize(const char* screen, const char* size)
                                << ('"' + forLog(sizeName) + '"') << "for" << ('"' + forLog(name) + '"');
             return;
         }
-        ContainerImpl* container = nullptr;
-        QWidget* widget = nullptr;
-        inGuiThread([&] {
-            GlobalImpl* registry = GlobalImpl::existingInstance();
-            if (registry)
-                widget = registry->findScreen(name);
-            container = qobject_cast<ContainerImpl*>(widget);
-        });
+        // Told apart by the class the registry recorded: the widget is not touched here.
+        auto* container = static_cast<ContainerImpl*>(GlobalImpl::screenFromAnyThread(name, ContainerImpl::staticMetaObject));
+        QWidget* widget = container ? container : GetScreen(name);
         if (!container) {
             qDebug().noquote() << "UserInterface - GUIManager - ChangeSize -" << (widget ? "not a container" : "no screen")
                                << ('"' + forLog(name) + '"');

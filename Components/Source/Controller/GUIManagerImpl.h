@@ -11,6 +11,7 @@
 
 #include <QMutex>
 #include <QObject>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -117,7 +118,14 @@ private slots:
     void getResponse(const long& code, const QString& data);
     void getResponse(const long& code, const QString& path, const QString& filename);
 
+protected:
+    // Follows the desktop's size for MoveScreen, which must not ask the GUI thread.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    // The desktop's size as last seen, or a bound that allows every position before a
+    // desktop exists.
+    QSize desktopArea() const;
     // Sleeps in steps of 100 ms until an answer has arrived or the service ends.
     void waitForResponse();
     // Runs \a work in the servant's (GUI) thread and waits for it; false when it could
@@ -145,6 +153,7 @@ private:
     QString m_responsePath;
     QString m_responseFilename;
 
+    std::atomic<qint64> m_desktopSize{-1};
     std::atomic<bool> m_shutDown{false};
     std::atomic<CORBA::ULong> m_references{1};
 };

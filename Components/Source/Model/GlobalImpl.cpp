@@ -124,10 +124,17 @@ GlobalImpl::GlobalImpl(QObject* parent)
 
 namespace {
 
-// The registered names as remote callers read them, on ORB threads that must not wait for
-// the GUI thread. Static, so that a reader never holds on to a registry being deleted.
+// The screen table as remote callers read it, on ORB threads that must not wait for the
+// GUI thread: each name with its widget and the widget's class, so that a caller can tell
+// a container without touching a widget that may be going. Static, so that a reader never
+// holds on to a registry being deleted.
+struct PublishedScreen
+{
+    QWidget* widget = nullptr;
+    const QMetaObject* type = nullptr;
+};
 std::mutex screenNamesMutex;
-QList<QString> screenNames;
+QHash<QString, PublishedScreen> screenNames;
 
 } // namespace
 
@@ -201,21 +208,45 @@ void GlobalImpl::releaseEntryMechanism(QWidget* widget)
         m_entryMechanism = nullptr;
 }
 
-void GlobalImpl::publishScreenNames()
+void GlobalImpl::publishScreenNames(const QObject* going)
 {
+    QHash<QString, PublishedScreen> published;
+    published.reserve(m_screens.size());
+    for (auto entry = m_screens.cbegin(); entry != m_screens.cend(); ++entry) {
+        QWidget* widget = entry.value().data();
+        if (widget == going)
+            widget = nullptr;
+        published.insert(entry.key(), {widget, widget ? widget->metaObject() : nullptr});
+    }
     std::lock_guard<std::mutex> guard(screenNamesMutex);
-    screenNames = m_screens.keys();
+    screenNames.swap(published);
+}
+
+void GlobalImpl::screenDestroyed(QObject* screen)
+{
+    // A widget says so before its guards are cleared.
+    publishScreenNames(screen);
 }
 
 QList<QString> GlobalImpl::screenNamesFromAnyThread()
 {
     std::lock_guard<std::mutex> guard(screenNamesMutex);
-    return screenNames;
+    return screenNames.keys();
+}
+
+QWidget* GlobalImpl::screenFromAnyThread(const QString& name, const QMetaObject& type)
+{
+    std::lock_guard<std::mutex> guard(screenNamesMutex);
+    const PublishedScreen screen = screenNames.value(name);
+    return screen.type && screen.type->inherits(&type) ? screen.widget : nullptr;
 }
 
 void GlobalImpl::addScreen(const QString& name, QWidget* widget)
 {
     m_screens.insert(name, widget);
+    // A deleted screen leaves the published table before its memory is freed.
+    if (widget)
+        connect(widget, &QObject::destroyed, this, &GlobalImpl::screenDestroyed, Qt::UniqueConnection);
     publishScreenNames();
 }
 
@@ -262,6 +293,9 @@ void GlobalImpl::swapMenuItems(QWidget* registered, QWidget* replacement)
     for (auto entry = m_screens.begin(); entry != m_screens.end(); ++entry) {
         if (entry.value() == registered && registered) {
             entry.value() = replacement;
+            if (replacement)
+                connect(replacement, &QObject::destroyed, this, &GlobalImpl::screenDestroyed, Qt::UniqueConnection);
+            publishScreenNames();
             return;
         }
     }

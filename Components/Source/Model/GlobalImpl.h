@@ -127,6 +127,10 @@ public:
     /// The same names, from any thread and without waiting for the GUI thread; empty
     /// once the registry is gone.
     static QList<QString> screenNamesFromAnyThread();
+    /// The screen registered as \a name when it is a \a type, or null; from any thread and
+    /// without waiting for the GUI thread. Only to hand on: the widget may be going while
+    /// the caller holds it, so it is used in the GUI thread after isScreen() says yes.
+    static QWidget* screenFromAnyThread(const QString& name, const QMetaObject& type = QWidget::staticMetaObject);
     /// Registers \a replacement under the name of \a registered; nothing happens when
     /// \a registered is not a registered screen.
     void swapMenuItems(QWidget* registered, QWidget* replacement);
@@ -189,7 +193,8 @@ private:
     void computeGridPoints();
     void stopSubscriberThreads();
     // Keeps screenNamesFromAnyThread() in line with the table.
-    void publishScreenNames();
+    void publishScreenNames(const QObject* going = nullptr);
+    void screenDestroyed(QObject* screen);
 
     // Read without a lock by getInstance() on any thread; written under the instance
     // mutex in GlobalImpl.cpp.
