@@ -1,8 +1,9 @@
-// How failed engine and remote calls are described and logged.
+// How failed engine and remote calls are described and logged, and how their texts are read.
 
 #include "LogCapture.h"
 
 #include "CorbaFailure.h"
+#include "CorbaText.h"
 
 #include <Orvanth.hh>
 #include <omniORB4/Naming.hh>
@@ -22,6 +23,8 @@ private slots:
     void describesNameAndInfo_data();
     void describesNameAndInfo();
     void logsSourcePositions();
+    void readsEngineText_data();
+    void readsEngineText();
 };
 
 void TestCorbaFailure::describesNameAndInfo_data()
@@ -70,6 +73,28 @@ void TestCorbaFailure::logsSourcePositions()
         QStringLiteral("UserInterface - Components/Source/Model/GlobalImpl:285"),
         QStringLiteral("               COMM_FAILURE minor 0")};
     QCOMPARE(log.lines(), expected);
+}
+
+void TestCorbaFailure::readsEngineText_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("ASCII") << QByteArray("Level 3") << QStringLiteral("Level 3");
+    QTest::newRow("UTF-8 degree sign") << QByteArray("20 \xc2\xb0" "C") << QStringLiteral("20 \u00b0C");
+    QTest::newRow("UTF-8 four bytes") << QByteArray("\xf0\x9f\x94\x8b") << QStringLiteral("\U0001f50b");
+    QTest::newRow("Latin-1 degree sign") << QByteArray("20 \xb0" "C") << QStringLiteral("20 \u00b0C");
+    QTest::newRow("Latin-1 umlaut and sharp s") << QByteArray("Gr\xf6\xdf" "e") << QStringLiteral("Gr\u00f6\u00dfe");
+    QTest::newRow("overlong slash") << QByteArray("\xc0\xaf") << QStringLiteral("\u00c0\u00af");
+    QTest::newRow("encoded surrogate") << QByteArray("\xed\xa0\x80") << QStringLiteral("\u00ed\u00a0\u0080");
+    QTest::newRow("cut sequence at the end") << QByteArray("x\xe2\x82") << QStringLiteral("x\u00e2\u0082");
+}
+
+void TestCorbaFailure::readsEngineText()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, text);
+    QCOMPARE(CorbaText::fromCorba(bytes.constData()), text);
+    QVERIFY(CorbaText::fromCorba(nullptr).isEmpty());
 }
 
 QTEST_MAIN(TestCorbaFailure)

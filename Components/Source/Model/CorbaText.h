@@ -19,7 +19,8 @@ class TZUICOMPONENTS_EXPORT CorbaText
 public:
     /// A new CORBA string holding \a text as UTF-8 (owned by the caller or a _var).
     static char* toCorba(const QString& text);
-    /// \a text read as UTF-8; a null pointer gives an empty text.
+    /// \a text read as UTF-8 when it is well-formed UTF-8, otherwise as Latin-1 (as older
+    /// engines send it); a null pointer gives an empty text.
     static QString fromCorba(const char* text);
 };
 
