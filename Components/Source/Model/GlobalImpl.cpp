@@ -1,7 +1,6 @@
 #include "GlobalImpl.h"
 
 #include "ApplicationOptions.h"
-#include "ContainerBase.h"
 #include "LockerGateway.h"
 #include "ProcessManager.h"
 #include "QTZMessageOutputControl.h"
@@ -10,7 +9,6 @@
 #include <QCoreApplication>
 #include <QDebug>
 #include <QDeadlineTimer>
-#include <QLabel>
 #include <QScriptEngine>
 #include <QThreadPool>
 
@@ -319,23 +317,12 @@ QString GlobalImpl::getParentWindowName(QWidget* widget)
     if (!window)
         return name;
 
+    // A window that shows a caption of its own (a container's title without its instance
+    // number, a drawer's rotated caption) says so by the property; read by name, as a
+    // plug-in may carry its own copy of the windows' meta-objects.
     try {
-        // Matched by class name, not by cast: a plug-in may carry its own copy of the
-        // windows' meta-objects.
-        if (window->inherits("WindowDrawer")) {
-            // A drawer shows its title as the rotated caption on its handle.
-            const QList<QLabel*> labels = window->findChildren<QLabel*>();
-            for (QLabel* label : labels) {
-                if (label->inherits("RotatableLabel")) {
-                    name = label->text();
-                    break;
-                }
-            }
-        } else if (window->inherits("ContainerBase")) {
-            name = static_cast<ContainerBase*>(window)->getWindowTitle();
-        } else {
-            name = window->windowTitle();
-        }
+        const QVariant caption = window->property("windowCaption");
+        name = caption.isValid() ? caption.toString() : window->windowTitle();
     } catch (...) {
         qDebug() << "UserInterface -ERROR-" << "Components/Source/Model/GlobalImpl" << "getParentWindowName" << 385;
     }

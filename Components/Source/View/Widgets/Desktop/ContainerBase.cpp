@@ -59,11 +59,6 @@ void ContainerBase::setWindowTitle(const QString& title, int instNum)
     m_instanceNumber = instNum;
     retranslate();
     m_titleLabel->show();
-
-    // The window lookup reads the title through the Qt window title.
-    m_syncingWindowTitle = true;
-    QWidget::setWindowTitle(title);
-    m_syncingWindowTitle = false;
 }
 
 void ContainerBase::retranslate()
@@ -77,6 +72,13 @@ void ContainerBase::retranslate()
     if (m_instanceNumber > 1)
         text += QLatin1Char(' ') + QString::number(m_instanceNumber);
     m_titleLabel->setText(text);
+
+    // The Qt title is what the window shows, so that setting the plain title through
+    // QWidget (as Designer and scripts do) is a change even when the text is the same,
+    // and resets the instance number.
+    m_syncingWindowTitle = true;
+    QWidget::setWindowTitle(text);
+    m_syncingWindowTitle = false;
 }
 
 bool ContainerBase::isVisible() const

@@ -23,6 +23,9 @@ class QTZScalableLabel;
 class TZUICOMPONENTS_EXPORT ContainerBase : public QFrame
 {
     Q_OBJECT
+    /// The title without its instance number: the name under which the registry knows
+    /// the window (read by property name, so no lower layer needs this class).
+    Q_PROPERTY(QString windowCaption READ getWindowTitle)
 
 public:
     explicit ContainerBase(QWidget* parent = nullptr);

@@ -82,6 +82,11 @@ void deleteLayoutAndContents(QLayout* layout)
 
 } // namespace
 
+QString WindowDrawer::windowCaption() const
+{
+    return m_caption ? m_caption->text() : QString();
+}
+
 WindowDrawer::WindowDrawer(QWidget* parent, ContainerImpl* container, DockPosition_t position, const QString& title)
     : QFrame(parent)
     , m_container(container)

@@ -30,6 +30,9 @@ class RotatableLabel;
 class TZUICOMPONENTS_EXPORT WindowDrawer : public QFrame
 {
     Q_OBJECT
+    /// The rotated caption on the handle: the name under which the registry knows the
+    /// drawer.
+    Q_PROPERTY(QString windowCaption READ windowCaption)
 
 public:
     enum DockPosition_t {
@@ -50,6 +53,7 @@ public:
     /// \a parent is the container's parent widget (none for a top-level container); the
     /// drawer starts closed and hidden, and the container shows it.
     WindowDrawer(QWidget* parent, ContainerImpl* container, DockPosition_t position, const QString& title);
+    QString windowCaption() const;
 
     /// The frame named "ContainerFrame" that the module's form brought along, or else
     /// the frame that holds the contents.
