@@ -13,9 +13,6 @@ class TZUICOMPONENTS_EXPORT HorizontalScrollBarImpl : public ScrollBarImpl
 
 public:
     explicit HorizontalScrollBarImpl(QWidget* parent = nullptr);
-
-protected:
-    void setValueFromPos(const QPoint& pos) override;
 };
 
 } // namespace gui

@@ -15,7 +15,7 @@ namespace gui {
 /**
  * The kit's touch scroll bar: a touch on the track jumps straight to that point, one page
  * is about 20 pixels of track, and the look follows the container's size state. The two
- * orientations fill in the style sheets and the mapping from a touch to a value.
+ * orientations differ only in their style sheets; the two named classes only choose one.
  */
 class TZUICOMPONENTS_EXPORT ScrollBarImpl : public QScrollBar
 {
@@ -45,8 +45,8 @@ public slots:
     virtual void changeSize(const QString& size);
 
 protected:
-    /// Moves the value to the point of the track under a touch.
-    virtual void setValueFromPos(const QPoint& pos) = 0;
+    /// Moves the value to the point of the track under a touch, along the bar's orientation.
+    virtual void setValueFromPos(const QPoint& pos);
     /// The value under a touch at position along a track of length pixels; a track too
     /// short to map keeps the current value.
     int valueAt(int position, int length) const;

@@ -13,9 +13,6 @@ class TZUICOMPONENTS_EXPORT VerticalScrollBarImpl : public ScrollBarImpl
 
 public:
     explicit VerticalScrollBarImpl(QWidget* parent = nullptr);
-
-protected:
-    void setValueFromPos(const QPoint& pos) override;
 };
 
 } // namespace gui
