@@ -6,39 +6,16 @@ namespace Lumaro {
 namespace gui {
 
 HorizontalScrollBarPlugin::HorizontalScrollBarPlugin(QObject* parent)
-    : KitWidgetPlugin(parent)
+    : KitWidgetPlugin(
+          {QStringLiteral("Lumaro::gui::HorizontalScrollBarImpl"),
+           uiDocument(QStringLiteral("Lumaro::gui::HorizontalScrollBarImpl"),
+                      QStringLiteral("Horizontal Scroll Bar")),
+           QStringLiteral("ScrollBarImpl.h"),
+           QStringLiteral("A Horizontal Scroll Bar"),
+           QStringLiteral("A Brivane Horizontal Scroll Bar"),
+           [](QWidget* parent) -> QWidget* { return new HorizontalScrollBarImpl(parent); }},
+          parent)
 {
-}
-
-QString HorizontalScrollBarPlugin::domXml() const
-{
-    return uiDocument(QStringLiteral("Lumaro::gui::HorizontalScrollBarImpl"),
-                      QStringLiteral("Horizontal Scroll Bar"));
-}
-
-QString HorizontalScrollBarPlugin::includeFile() const
-{
-    return QStringLiteral("ScrollBarImpl.h");
-}
-
-QString HorizontalScrollBarPlugin::name() const
-{
-    return QStringLiteral("Lumaro::gui::HorizontalScrollBarImpl");
-}
-
-QString HorizontalScrollBarPlugin::toolTip() const
-{
-    return QStringLiteral("A Horizontal Scroll Bar");
-}
-
-QString HorizontalScrollBarPlugin::whatsThis() const
-{
-    return QStringLiteral("A Brivane Horizontal Scroll Bar");
-}
-
-QWidget* HorizontalScrollBarPlugin::createWidget(QWidget* parent)
-{
-    return new HorizontalScrollBarImpl(parent);
 }
 
 } // namespace gui

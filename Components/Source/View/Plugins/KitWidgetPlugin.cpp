@@ -1,10 +1,13 @@
 #include "KitWidgetPlugin.h"
 
+#include <utility>
+
 namespace Lumaro {
 namespace gui {
 
-KitWidgetPlugin::KitWidgetPlugin(QObject* parent)
+KitWidgetPlugin::KitWidgetPlugin(Description description, QObject* parent)
     : QObject(parent)
+    , m_description(std::move(description))
 {
 }
 
@@ -31,6 +34,36 @@ QString KitWidgetPlugin::group() const
 void KitWidgetPlugin::initialize(QDesignerFormEditorInterface*)
 {
     m_initialized = true;
+}
+
+QString KitWidgetPlugin::domXml() const
+{
+    return m_description.domXml;
+}
+
+QString KitWidgetPlugin::includeFile() const
+{
+    return m_description.includeFile;
+}
+
+QString KitWidgetPlugin::name() const
+{
+    return m_description.name;
+}
+
+QString KitWidgetPlugin::toolTip() const
+{
+    return m_description.toolTip;
+}
+
+QString KitWidgetPlugin::whatsThis() const
+{
+    return m_description.whatsThis;
+}
+
+QWidget* KitWidgetPlugin::createWidget(QWidget* parent)
+{
+    return m_description.create(parent);
 }
 
 QString KitWidgetPlugin::uiDocument(const QString& widgetClass, const QString& objectName)

@@ -6,12 +6,15 @@
 #include <QString>
 #include <QtUiPlugin/QDesignerCustomWidgetInterface>
 
+#include <functional>
+
 namespace Lumaro {
 namespace gui {
 
 /**
- * What the Designer descriptions of the kit's widgets have in common: plain widgets
- * without an icon, listed together in one group of the widget box.
+ * The Designer description of one of the kit's widgets: plain widgets without an icon,
+ * listed together in one group of the widget box. The widgets differ only in the data
+ * of their Description; each named plug-in class passes its own.
  */
 class KitWidgetPlugin : public QObject, public QDesignerCustomWidgetInterface
 {
@@ -19,19 +22,36 @@ class KitWidgetPlugin : public QObject, public QDesignerCustomWidgetInterface
     Q_INTERFACES(QDesignerCustomWidgetInterface)
 
 public:
-    explicit KitWidgetPlugin(QObject* parent = nullptr);
+    struct Description
+    {
+        QString name;
+        QString domXml;
+        QString includeFile;
+        QString toolTip;
+        QString whatsThis;
+        std::function<QWidget*(QWidget*)> create;
+    };
+
+    KitWidgetPlugin(Description description, QObject* parent = nullptr);
 
     bool isContainer() const override;
     bool isInitialized() const override;
     QIcon icon() const override;
     QString group() const override;
     void initialize(QDesignerFormEditorInterface* core) override;
+    QString domXml() const override;
+    QString includeFile() const override;
+    QString name() const override;
+    QString toolTip() const override;
+    QString whatsThis() const override;
+    QWidget* createWidget(QWidget* parent) override;
 
 protected:
     /// The ui document Designer places for a new widget of widgetClass named objectName.
     static QString uiDocument(const QString& widgetClass, const QString& objectName);
 
 private:
+    Description m_description;
     bool m_initialized = false;
 };
 

@@ -6,39 +6,16 @@ namespace Lumaro {
 namespace gui {
 
 PushButtonPlugin::PushButtonPlugin(QObject* parent)
-    : KitWidgetPlugin(parent)
+    : KitWidgetPlugin(
+          {QStringLiteral("Lumaro::gui::PushButtonImpl"),
+           uiDocument(QStringLiteral("Lumaro::gui::PushButtonImpl"),
+                      QStringLiteral("PushButton")),
+           QStringLiteral("PushButtonImpl.h"),
+           QStringLiteral("A Push Button"),
+           QStringLiteral("A Brivane Push Button"),
+           [](QWidget* parent) -> QWidget* { return new PushButtonImpl(parent); }},
+          parent)
 {
-}
-
-QString PushButtonPlugin::domXml() const
-{
-    return uiDocument(QStringLiteral("Lumaro::gui::PushButtonImpl"),
-                      QStringLiteral("PushButton"));
-}
-
-QString PushButtonPlugin::includeFile() const
-{
-    return QStringLiteral("PushButtonImpl.h");
-}
-
-QString PushButtonPlugin::name() const
-{
-    return QStringLiteral("Lumaro::gui::PushButtonImpl");
-}
-
-QString PushButtonPlugin::toolTip() const
-{
-    return QStringLiteral("A Push Button");
-}
-
-QString PushButtonPlugin::whatsThis() const
-{
-    return QStringLiteral("A Brivane Push Button");
-}
-
-QWidget* PushButtonPlugin::createWidget(QWidget* parent)
-{
-    return new PushButtonImpl(parent);
 }
 
 } // namespace gui

@@ -13,13 +13,6 @@ class PushButtonPlugin : public KitWidgetPlugin
 
 public:
     explicit PushButtonPlugin(QObject* parent = nullptr);
-
-    QString domXml() const override;
-    QString includeFile() const override;
-    QString name() const override;
-    QString toolTip() const override;
-    QString whatsThis() const override;
-    QWidget* createWidget(QWidget* parent) override;
 };
 
 } // namespace gui

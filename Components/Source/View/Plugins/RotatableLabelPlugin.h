@@ -10,13 +10,6 @@ class RotatableLabelPlugin : public Lumaro::gui::KitWidgetPlugin
 
 public:
     explicit RotatableLabelPlugin(QObject* parent = nullptr);
-
-    QString domXml() const override;
-    QString includeFile() const override;
-    QString name() const override;
-    QString toolTip() const override;
-    QString whatsThis() const override;
-    QWidget* createWidget(QWidget* parent) override;
 };
 
 #endif
