@@ -165,7 +165,8 @@ void GUIManagerReceiver::addToAlertBox(const QString& msg)
 {
     ++m_alertCount;
     if (QLabel* count = m_alertBox->findChild<QLabel*>(QStringLiteral("alertCount"))) {
-        count->setText(tr("%n alert(s), the latest:", "", m_alertCount));
+        // Shown from the second alert on, so always more than one.
+        count->setText(tr("%n alerts, the latest:", "", m_alertCount));
         count->show();
     }
     if (QLabel* text = m_alertBox->findChild<QLabel*>(QStringLiteral("dialogMessage")))
