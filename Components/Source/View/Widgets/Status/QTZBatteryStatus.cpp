@@ -1,8 +1,7 @@
 #include "QTZBatteryStatus.h"
 
 #include "CSS.h"
-#include "DDS_Subscriber.h"
-#include "OrvanthNames.h"
+#include "PowerFeed.h"
 #include "QTZLowBatteryAlert.h"
 
 #include <QDebug>
@@ -106,24 +105,17 @@ QTZBatteryStatus::QTZBatteryStatus(QWidget* parent)
     updateStyle();
 
     // Last: the callbacks may run on DDS threads as soon as the readers exist.
-    using eprosima::fastdds::dds::VOLATILE_DURABILITY_QOS;
-    m_acPowerSubscriber = std::make_unique<Orvanth::DDS_Subscriber<bool>>(
-        Orvanth::Names::ExternalVoltageTopic,
-        [this](const char* topic, CORBA::Boolean present) { dds_callback_ac_power(topic, present); }, 0, 0,
-        VOLATILE_DURABILITY_QOS);
-    m_batterySubscriber = std::make_unique<Orvanth::DDS_Subscriber<Orvanth::MeterReading::Reading>>(
-        Orvanth::Names::BatteryTopic,
+    m_power = std::make_unique<PowerFeed>(
+        [this](const char* topic, bool present) { dds_callback_ac_power(topic, present); },
         [this](const char* topic, Orvanth::MeterReading::Reading reading) {
             getBatteryStatus(topic, std::move(reading));
-        },
-        0, 0, VOLATILE_DURABILITY_QOS);
+        });
 }
 
 QTZBatteryStatus::~QTZBatteryStatus()
 {
     // Before anything else goes: a callback still running emits on this object.
-    m_batterySubscriber.reset();
-    m_acPowerSubscriber.reset();
+    m_power.reset();
     // Its parent is the main window, which may outlive the indicator.
     delete m_alert.data();
 }

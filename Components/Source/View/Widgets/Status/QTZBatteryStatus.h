@@ -15,10 +15,7 @@ class QPushButton;
 class QTimer;
 class QTZLowBatteryAlert;
 
-namespace Orvanth {
-template <class T>
-class DDS_Subscriber;
-}
+class PowerFeed;
 
 /**
  * The battery indicator of the status bar: a button whose picture and text show mains
@@ -87,8 +84,7 @@ private:
     QPushButton* m_button;
     QTimer* m_peekTimer;
     QPointer<QTZLowBatteryAlert> m_alert;
-    std::unique_ptr<Orvanth::DDS_Subscriber<bool>> m_acPowerSubscriber;
-    std::unique_ptr<Orvanth::DDS_Subscriber<Orvanth::MeterReading::Reading>> m_batterySubscriber;
+    std::unique_ptr<PowerFeed> m_power;
 };
 
 #endif

@@ -2,8 +2,7 @@
 
 #include "ApplicationOptions.h"
 #include "CSS.h"
-#include "DDS_Subscriber.h"
-#include "OrvanthNames.h"
+#include "EventFeed.h"
 #include "QTZBatteryStatus.h"
 #include "QTZLowBatteryAlert.h" // completes the alert type QTZBatteryStatus.h points to
 #include "QTZMsgLogger.h"
@@ -155,17 +154,14 @@ QTZStatusBar::QTZStatusBar(QWidget* parent)
     m_speechBubble = new SpeechBubbleImpl(parentWidget());
     m_speechBubble->hide();
 
-    m_subscriber = std::make_unique<Orvanth::DDS_Subscriber<Orvanth::Event::Message>>(
-        Orvanth::Names::EventTopic,
-        [this](const char* topic, Orvanth::Event::Message message) { dds_callback(topic, std::move(message)); }, 0, 0,
-        eprosima::fastdds::dds::VOLATILE_DURABILITY_QOS);
-    m_subscriber->setClassMask(Orvanth::DDS_Subscriber<Orvanth::Event::Message>::AllEventClasses);
+    m_events = std::make_unique<EventFeed>(
+        [this](const char* topic, Orvanth::Event::Message message) { dds_callback(topic, std::move(message)); });
 }
 
 QTZStatusBar::~QTZStatusBar()
 {
     // No callback may emit into a bar being destroyed.
-    m_subscriber.reset();
+    m_events.reset();
     m_geometryAnimation.stop();
     delete m_speechBubble.data();
     delete m_log.data();

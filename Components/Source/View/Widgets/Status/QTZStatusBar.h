@@ -23,10 +23,7 @@ class QMouseEvent;
 class QPushButton;
 class QTZBatteryStatus;
 
-namespace Orvanth {
-template <class T>
-class DDS_Subscriber;
-}
+class EventFeed;
 
 /**
  * The status bar at the bottom of the desktop: shows the latest engine event message
@@ -184,7 +181,7 @@ private:
     QLabel* m_textField = nullptr;
     QLabel* m_textLabels[2] = {nullptr, nullptr};
     QPushButton* m_maxButton = nullptr;
-    std::unique_ptr<Orvanth::DDS_Subscriber<Orvanth::Event::Message>> m_subscriber;
+    std::unique_ptr<EventFeed> m_events;
 };
 
 #endif

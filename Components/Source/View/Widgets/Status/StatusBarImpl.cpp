@@ -4,6 +4,8 @@
 #include "CSS.h"
 #include "CorbaFailure.h"
 #include "DDS_Subscriber.h"
+#include "EventFeed.h"
+#include "PowerFeed.h"
 #include "GlobalImpl.h"
 #include "LockerGateway.h"
 #include "LowBatteryAlert.h"
@@ -179,31 +181,22 @@ StatusBarImpl::StatusBarImpl(QWidget* parent)
     m_engineCalls.setMaxThreadCount(1);
     connect(&m_refOscillatorSearch, &QFutureWatcherBase::finished, this, &StatusBarImpl::referenceOscillatorFound);
 
-    m_subscriber = std::make_unique<Orvanth::DDS_Subscriber<Orvanth::Event::Message>>(
-        Orvanth::Names::EventTopic,
-        [this](const char* topic, Orvanth::Event::Message message) { dds_callback(topic, std::move(message)); }, 0, 0,
-        eprosima::fastdds::dds::VOLATILE_DURABILITY_QOS);
-    m_subscriber->setClassMask(Orvanth::DDS_Subscriber<Orvanth::Event::Message>::AllEventClasses);
+    m_events = std::make_unique<EventFeed>(
+        [this](const char* topic, Orvanth::Event::Message message) { dds_callback(topic, std::move(message)); });
     if (m_batteryFrame) {
-        m_acPowerSubscriber = std::make_unique<Orvanth::DDS_Subscriber<bool>>(
-            Orvanth::Names::ExternalVoltageTopic,
-            [this](const char* topic, CORBA::Boolean present) { dds_callback_ac_power(topic, present); }, 0, 0,
-            eprosima::fastdds::dds::VOLATILE_DURABILITY_QOS);
-        m_batterySubscriber = std::make_unique<Orvanth::DDS_Subscriber<Orvanth::MeterReading::Reading>>(
-            Orvanth::Names::BatteryTopic,
+        m_power = std::make_unique<PowerFeed>(
+            [this](const char* topic, bool present) { dds_callback_ac_power(topic, present); },
             [this](const char* topic, Orvanth::MeterReading::Reading reading) {
                 getBatteryStatus(topic, std::move(reading));
-            },
-            0, 0, eprosima::fastdds::dds::VOLATILE_DURABILITY_QOS);
+            });
     }
 }
 
 StatusBarImpl::~StatusBarImpl()
 {
     // No callback may emit into a bar being destroyed, and no engine call may outlive it.
-    m_subscriber.reset();
-    m_acPowerSubscriber.reset();
-    m_batterySubscriber.reset();
+    m_events.reset();
+    m_power.reset();
     m_refOscillatorSubscriber.reset();
     m_refOscillatorSearch.waitForFinished();
     m_engineCalls.waitForDone();

@@ -19,7 +19,9 @@
 #include <memory>
 #include <string>
 
+class EventFeed;
 class LowBatteryAlert;
+class PowerFeed;
 class QHBoxLayout;
 class QLabel;
 class QPushButton;
@@ -160,7 +162,7 @@ private:
     QPushButton* m_refOscIcon = nullptr;
     QLabel* m_textField = nullptr;
     QLabel* m_textLabels[2] = {nullptr, nullptr};
-    std::unique_ptr<Orvanth::DDS_Subscriber<Orvanth::Event::Message>> m_subscriber;
+    std::unique_ptr<EventFeed> m_events;
 
     // The battery indicator, on portrait systems only.
     QFrame* m_batteryFrame = nullptr;
@@ -172,8 +174,7 @@ private:
     int m_level = 100;
     QString m_batteryState;
     QString m_previousBatteryState;
-    std::unique_ptr<Orvanth::DDS_Subscriber<bool>> m_acPowerSubscriber;
-    std::unique_ptr<Orvanth::DDS_Subscriber<Orvanth::MeterReading::Reading>> m_batterySubscriber;
+    std::unique_ptr<PowerFeed> m_power;
 
     // The reference oscillator: found by initialize(), switched on a pool of one thread
     // so that the engine gets the switches in the order the user made them.
