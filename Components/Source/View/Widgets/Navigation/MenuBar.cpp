@@ -6,7 +6,7 @@
 #include "GlobalImpl.h"
 #include "MenuEntryWiring.h"
 #include "MenuItem.h"
-#include "NamingServiceImpl.h"
+#include "MenuBarTimeoutSource.h"
 #include "ScrollButton.h"
 #include "ScrollableMenuBarFrame.h"
 #include "SubMenu.h"
@@ -51,33 +51,6 @@ QBoxLayout* tightLayout(QBoxLayout* layout)
 }
 
 const char* const sourceFile = "Components/Source/View/Widgets/MenuBar";
-
-// Where the time-out comes from when no other source is set: the engines' attribute
-// "MenuBarTimeout1". Empty when there is no module discovery to ask.
-MenuBar::TimeoutSource engineTimeoutSource()
-{
-    GlobalImpl* registry = GlobalImpl::existingInstance();
-    NamingServiceImpl* discovery = registry ? registry->namingService() : nullptr;
-    if (!discovery)
-        return {};
-    // Module discovery guards its module list for callers on any thread; the host keeps
-    // it for as long as the desktop lives.
-    return [discovery]() -> std::optional<int> {
-        try {
-            const QList<Orvanth::EngineReadingBase_var> found =
-                discovery->findAttribute(QStringLiteral("MenuBarTimeout1"));
-            if (found.isEmpty())
-                return std::nullopt;
-            const Orvanth::EngineAttribLong_var timeout = Orvanth::EngineAttribLong::_narrow(found.first().in());
-            if (CORBA::is_nil(timeout))
-                return std::nullopt;
-            return int(timeout->Get());
-        } catch (const CORBA::Exception& exception) {
-            CorbaFailure::logAtPosition(exception, sourceFile, __LINE__);
-        }
-        return std::nullopt;
-    };
-}
 
 } // namespace
 
@@ -350,7 +323,7 @@ void MenuBar::startTimer()
 
 void MenuBar::readTimeout()
 {
-    TimeoutSource source = timeoutSource ? timeoutSource : engineTimeoutSource();
+    TimeoutSource source = timeoutSource ? timeoutSource : MenuBarTimeoutSource::fromEngines();
     if (!source)
         return;
     timeoutReadRunning = true;
