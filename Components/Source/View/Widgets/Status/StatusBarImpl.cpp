@@ -2,15 +2,11 @@
 
 #include "ApplicationOptions.h"
 #include "CSS.h"
-#include "CorbaFailure.h"
-#include "DDS_Subscriber.h"
 #include "EventFeed.h"
 #include "PowerFeed.h"
+#include "RefOscillatorFeed.h"
 #include "GlobalImpl.h"
-#include "LockerGateway.h"
 #include "LowBatteryAlert.h"
-#include "NamingServiceImpl.h"
-#include "OrvanthNames.h"
 #include "QTZStatusBar.h"
 #include "SystemModule.h"
 
@@ -21,7 +17,6 @@
 #include <QSignalBlocker>
 #include <QStyle>
 #include <QTimer>
-#include <QtConcurrent>
 
 #include <algorithm>
 #include <climits>
@@ -178,8 +173,14 @@ StatusBarImpl::StatusBarImpl(QWidget* parent)
     m_speechBubble = new SpeechBubbleImpl(parentWidget());
     m_speechBubble->hide();
 
-    m_engineCalls.setMaxThreadCount(1);
-    connect(&m_refOscillatorSearch, &QFutureWatcherBase::finished, this, &StatusBarImpl::referenceOscillatorFound);
+    m_refOscillator = std::make_unique<RefOscillatorFeed>(
+        [this](const char* topic, CORBA::Long value) { dds_callback_ref_oscillator(topic, value); });
+    connect(m_refOscillator.get(), &RefOscillatorFeed::searched, this, &StatusBarImpl::referenceOscillatorSearched);
+    connect(this, &StatusBarImpl::updateRefOscillatorStatus, this, [this](bool external) {
+        // The engine reports what it has: showing it must not switch it again.
+        const QSignalBlocker blocker(m_refOscIcon);
+        m_refOscIcon->setChecked(external);
+    });
 
     m_events = std::make_unique<EventFeed>(
         [this](const char* topic, Orvanth::Event::Message message) { dds_callback(topic, std::move(message)); });
@@ -197,9 +198,7 @@ StatusBarImpl::~StatusBarImpl()
     // No callback may emit into a bar being destroyed, and no engine call may outlive it.
     m_events.reset();
     m_power.reset();
-    m_refOscillatorSubscriber.reset();
-    m_refOscillatorSearch.waitForFinished();
-    m_engineCalls.waitForDone();
+    m_refOscillator.reset();
     m_geometryAnimation.stop();
     delete m_speechBubble.data();
     delete m_log.data();
@@ -547,67 +546,12 @@ bool StatusBarImpl::isExternalReference() const
 
 void StatusBarImpl::initialize()
 {
-    if (m_refOscillatorSearch.isRunning() || hasReferenceOscillator())
-        return;
-    GlobalImpl* registry = GlobalImpl::existingInstance();
-    NamingServiceImpl* discovery = registry ? registry->namingService() : nullptr;
-    if (!discovery) {
-        qDebug() << "UserInterface - StatusBar - no module discovery to find" << RefOscillatorName << "with";
-        emit referenceOscillatorSearched(false);
-        return;
-    }
-    // Module discovery guards its module list for callers on any thread; the host keeps
-    // it for as long as the desktop lives. The remote calls may take their time-out.
-    m_refOscillatorSearch.setFuture(QtConcurrent::run([discovery]() -> RefOscillatorLookup {
-        QStringList modules = discovery->getModuleList();
-        std::sort(modules.begin(), modules.end(),
-                  [](const QString& a, const QString& b) { return a.toInt() < b.toInt(); });
-        for (const QString& index : modules) {
-            const Orvanth::GUI_Able_var module = discovery->getModule(index);
-            if (CORBA::is_nil(module.in()))
-                continue;
-            try {
-                const Orvanth::EngineReadingBase_var reading = module->FindAttribute(RefOscillatorName);
-                if (CORBA::is_nil(reading.in()))
-                    continue;
-                RefOscillatorLookup found;
-                found.attribute = Orvanth::EngineAttribEnum::_narrow(reading.in());
-                if (CORBA::is_nil(found.attribute.in())) {
-                    qDebug() << "UserInterface - StatusBar -" << RefOscillatorName << "of module" << index
-                             << "is no enumeration";
-                    continue;
-                }
-                const CORBA::String_var topic = reading->DataTopic();
-                found.dataTopic = topic.in();
-                return found;
-            } catch (const CORBA::Exception& exception) {
-                CorbaFailure::logAtPosition(exception, sourceFile, __LINE__);
-            } catch (...) {
-                CorbaFailure::logException(sourceFile, "initialize", __LINE__);
-            }
-        }
-        return RefOscillatorLookup();
-    }));
+    m_refOscillator->search();
 }
 
-void StatusBarImpl::referenceOscillatorFound()
+bool StatusBarImpl::hasReferenceOscillator() const
 {
-    const RefOscillatorLookup found = m_refOscillatorSearch.result();
-    if (CORBA::is_nil(found.attribute.in())) {
-        qDebug() << "UserInterface - StatusBar - no engine has" << RefOscillatorName;
-        emit referenceOscillatorSearched(false);
-        return;
-    }
-    m_refOscillator = found.attribute;
-    connect(this, &StatusBarImpl::updateRefOscillatorStatus, this, [this](bool external) {
-        // The engine reports what it has: showing it must not switch it again.
-        const QSignalBlocker blocker(m_refOscIcon);
-        m_refOscIcon->setChecked(external);
-    });
-    m_refOscillatorSubscriber = std::make_unique<Orvanth::DDS_Subscriber<int>>(
-        found.dataTopic, [this](const char* topic, CORBA::Long value) { dds_callback_ref_oscillator(topic, value); },
-        0, 0, eprosima::fastdds::dds::VOLATILE_DURABILITY_QOS);
-    emit referenceOscillatorSearched(true);
+    return m_refOscillator && m_refOscillator->isFound();
 }
 
 void StatusBarImpl::dds_callback_ref_oscillator(const char*, CORBA::Long value)
@@ -622,25 +566,11 @@ void StatusBarImpl::dds_callback_pll_status(const char*, CORBA::Long status)
 
 void StatusBarImpl::setReferenceOscillator(bool extRef)
 {
-    if (CORBA::is_nil(m_refOscillator.in())) {
+    if (!hasReferenceOscillator()) {
         qDebug() << "UserInterface - StatusBar - no" << RefOscillatorName << "to switch";
         return;
     }
     addMessage(extRef ? tr("Reference Oscillator is set to 'External'") : tr("Reference Oscillator is set to 'Internal'"),
                QString(), Orvanth::Event::EVENT_INFO);
-    const Orvanth::EngineAttribEnum_var attribute = m_refOscillator;
-    const CORBA::Long value = extRef ? ExternalReference : InternalReference;
-    QtConcurrent::run(&m_engineCalls, [attribute, value] {
-        const std::shared_ptr<LockerGateway> gateway = GlobalImpl::currentLockerGateway();
-        try {
-            attribute->Set(gateway ? gateway->getLockerID() : Orvanth::LockerID{}, value);
-        } catch (const Orvanth::Runtime_errors::Generic& refused) {
-            qDebug().noquote() << "UserInterface - StatusBar - the engine refused" << RefOscillatorName << value << ":"
-                               << CorbaFailure::info(refused);
-        } catch (const CORBA::Exception& exception) {
-            CorbaFailure::logAtPosition(exception, sourceFile, __LINE__);
-        } catch (...) {
-            CorbaFailure::logException(sourceFile, "setReferenceOscillator", __LINE__);
-        }
-    });
+    m_refOscillator->set(extRef ? ExternalReference : InternalReference);
 }

@@ -10,27 +10,20 @@
 #include <OrvanthTopics.h>
 
 #include <QFrame>
-#include <QFutureWatcher>
 #include <QPointer>
 #include <QPropertyAnimation>
 #include <QString>
-#include <QThreadPool>
 
 #include <memory>
-#include <string>
 
 class EventFeed;
 class LowBatteryAlert;
 class PowerFeed;
+class RefOscillatorFeed;
 class QHBoxLayout;
 class QLabel;
 class QPushButton;
 class QTimer;
-
-namespace Orvanth {
-template <class T>
-class DDS_Subscriber;
-}
 
 /**
  * The older status bar: the message logic of QTZStatusBar (without held-back alerts)
@@ -85,7 +78,7 @@ public:
     LowBatteryAlert* lowBatteryAlert() const;
     /// The oscillator button shows an external reference.
     bool isExternalReference() const;
-    bool hasReferenceOscillator() const { return !CORBA::is_nil(m_refOscillator.in()); }
+    bool hasReferenceOscillator() const;
 
 signals:
     void showMessageLog(bool showLog);
@@ -123,18 +116,11 @@ private slots:
     void setReferenceOscillator(bool extRef);
 
 private:
-    struct RefOscillatorLookup
-    {
-        Orvanth::EngineAttribEnum_var attribute;
-        std::string dataTopic;
-    };
-
     void buildBattery(QHBoxLayout* row);
     void setCSS();
     void showInfoMessage(const QString& text, int scheme);
     void showAlertMessage(const QString& line);
     void updateBatteryStyle();
-    void referenceOscillatorFound();
     void fixIconBoxWidth();
     QSize parentSize() const;
 
@@ -178,10 +164,7 @@ private:
 
     // The reference oscillator: found by initialize(), switched on a pool of one thread
     // so that the engine gets the switches in the order the user made them.
-    Orvanth::EngineAttribEnum_var m_refOscillator;
-    QFutureWatcher<RefOscillatorLookup> m_refOscillatorSearch;
-    QThreadPool m_engineCalls;
-    std::unique_ptr<Orvanth::DDS_Subscriber<int>> m_refOscillatorSubscriber;
+    std::unique_ptr<RefOscillatorFeed> m_refOscillator;
 };
 
 #endif
