@@ -359,23 +359,24 @@ ContainerDialog* GUIManagerReceiver::build(const Request& request)
         dialog->setProperty(offeredFilenameProperty, request.filename);
     }
 
-    long count = 0;
-    layout->addLayout(ContainerDialog::createButtonLayout(dialog, request.buttons, count));
-    dialog->setLayout(layout);
-
-    const int entries = request.buttons.split(QLatin1Char('|')).size();
-    if (count < entries)
-        qDebug() << "UserInterface - GUIManager receiver - remote dialog" << forLog(request.title) << "-" << entries - count
-                 << "of" << entries << "button entries are not \"label,code\":" << forLog(request.buttons);
-    for (Lumaro::gui::PushButtonImpl* button : dialog->findChildren<Lumaro::gui::PushButtonImpl*>()) {
+    // The description is read once; its faults are the caller's, so they are logged here.
+    QStringList skipped;
+    const QVector<ContainerDialog::Button> buttons = ContainerDialog::parseButtons(request.buttons, &skipped);
+    if (!skipped.isEmpty())
+        qDebug() << "UserInterface - GUIManager receiver - remote dialog" << forLog(request.title) << "-" << skipped.size()
+                 << "of" << skipped.size() + buttons.size() << "button entries are not \"label,code\":"
+                 << forLog(request.buttons);
+    for (const ContainerDialog::Button& button : buttons) {
         bool numeric = false;
-        button->button()->objectName().toLong(&numeric);
+        button.code.toLong(&numeric);
         if (!numeric)
             qDebug() << "UserInterface - GUIManager receiver - remote dialog" << forLog(request.title) << "- button"
-                     << button->buttonText() << "has no numeric code, it answers 0:"
-                     << forLog(button->button()->objectName());
+                     << button.label << "has no numeric code, it answers 0:" << forLog(button.code);
     }
-    if (count == 0) {
+    layout->addLayout(ContainerDialog::createButtonLayout(dialog, buttons));
+    dialog->setLayout(layout);
+
+    if (buttons.isEmpty()) {
         // Nothing could ever answer it, and its caller would wait for ever.
         qDebug() << "UserInterface - GUIManager receiver - remote dialog" << forLog(request.title)
                  << "has no button; answered" << long(ContainerDialog::CancelCode) << "without showing it";

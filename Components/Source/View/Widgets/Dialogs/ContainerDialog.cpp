@@ -160,26 +160,41 @@ void ContainerDialog::mouseReleaseEvent(QMouseEvent* event)
 
 QHBoxLayout* ContainerDialog::createButtonLayout(QWidget* parent, const QString& buttons, long& count)
 {
-    count = 0;
+    const QVector<Button> parsed = parseButtons(buttons);
+    count = parsed.size();
+    return createButtonLayout(parent, parsed);
+}
+
+QVector<ContainerDialog::Button> ContainerDialog::parseButtons(const QString& buttons, QStringList* skipped)
+{
+    QVector<Button> parsed;
+    const QStringList entries = buttons.split(QLatin1Char('|'));
+    for (const QString& entry : entries) {
+        const QStringList parts = entry.split(QLatin1Char(','));
+        if (parts.size() == 2)
+            parsed.append({parts.at(0), parts.at(1)});
+        else if (skipped)
+            skipped->append(entry);
+    }
+    return parsed;
+}
+
+QHBoxLayout* ContainerDialog::createButtonLayout(QWidget* parent, const QVector<Button>& buttons)
+{
     auto* layout = new QHBoxLayout;
     auto* dialog = parent && qstrcmp(parent->metaObject()->className(), "ContainerDialog") == 0
         ? static_cast<ContainerDialog*>(parent)
         : nullptr;
-    const QStringList entries = buttons.split(QLatin1Char('|'));
-    for (const QString& entry : entries) {
-        const QStringList parts = entry.split(QLatin1Char(','));
-        if (parts.size() != 2)
-            continue;
+    for (const Button& entry : buttons) {
         auto* button = new Lumaro::gui::PushButtonImpl(parent);
-        button->setButtonText(parts.at(0));
-        button->setButtonObjectName(parts.at(1));
-        button->setMinimumWidth(parts.at(0).size() * QFontInfo(button->font()).pixelSize());
+        button->setButtonText(entry.label);
+        button->setButtonObjectName(entry.code);
+        button->setMinimumWidth(entry.label.size() * QFontInfo(button->font()).pixelSize());
         layout->addWidget(button);
         if (dialog)
             connect(button, &Lumaro::gui::PushButtonImpl::buttonPressed, dialog, &ContainerDialog::buttonClicked);
-        ++count;
     }
-    if (count > 0)
+    if (!buttons.isEmpty())
         layout->insertStretch(0, 1);
     return layout;
 }

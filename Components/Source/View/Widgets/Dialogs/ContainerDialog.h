@@ -6,6 +6,8 @@
 #include <QPoint>
 #include <QPointer>
 #include <QString>
+#include <QStringList>
+#include <QVector>
 
 class QEventLoop;
 class QHBoxLayout;
@@ -53,6 +55,18 @@ public:
     /// An entry that is not exactly two parts is skipped. Buttons made for a dialog
     /// answer it with their code; buttons made for any other parent answer nothing.
     static QHBoxLayout* createButtonLayout(QWidget* parent, const QString& buttons, long& count);
+
+    /// One entry of a button description: the label shown and the code it answers.
+    struct Button
+    {
+        QString label;
+        QString code;
+    };
+    /// The entries of \a buttons that are exactly "label,code"; \a skipped, when given,
+    /// receives the others.
+    static QVector<Button> parseButtons(const QString& buttons, QStringList* skipped = nullptr);
+    /// The row of createButtonLayout() for entries already parsed.
+    static QHBoxLayout* createButtonLayout(QWidget* parent, const QVector<Button>& buttons);
 
 public slots:
     /// Shows the dialog at its position without waiting.
