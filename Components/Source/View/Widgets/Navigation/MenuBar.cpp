@@ -925,42 +925,37 @@ QList<QPushButton*> MenuBar::entriesOf(const QString& menu) const
 
 void MenuBar::disableScreen(const QString& menu, const QString& subMenu, const QString& label, int n)
 {
-    settleMenus();
-    QPushButton* entry = screenMap.button(ScreenKey(menu, subMenu, label, n));
-    if (!entry) {
-        qDebug() << "UserInterface - Menu has no entry to hide:" << menu << subMenu << label << n;
-        return;
-    }
-    entry->hide();
-    if (QWidget* screen = buttonScreens.value(entry); screen && screen->isVisible())
-        screen->hide();
-    auto* layout = qobject_cast<QVBoxLayout*>(entry->parentWidget() ? entry->parentWidget()->layout() : nullptr);
-    if (layout) {
-        const int index = layout->indexOf(entry);
-        QWidget* before = index > 0 ? layout->itemAt(index - 1)->widget() : nullptr;
-        if (before && before->objectName() == QLatin1String("spacer"))
-            before->hide();
-    }
-    refreshMenuVisibility(menu);
+    setEntryShown(ScreenKey(menu, subMenu, label, n), false);
 }
 
 void MenuBar::enableScreen(const QString& menu, const QString& subMenu, const QString& label, int n)
 {
+    setEntryShown(ScreenKey(menu, subMenu, label, n), true);
+}
+
+void MenuBar::setEntryShown(const ScreenKey& key, bool shown)
+{
     settleMenus();
-    QPushButton* entry = screenMap.button(ScreenKey(menu, subMenu, label, n));
+    QPushButton* entry = screenMap.button(key);
     if (!entry) {
-        qDebug() << "UserInterface - Menu has no entry to show:" << menu << subMenu << label << n;
+        qDebug() << (shown ? "UserInterface - Menu has no entry to show:" : "UserInterface - Menu has no entry to hide:")
+                 << key.menu << key.subMenu << key.label << key.number;
         return;
     }
-    entry->show();
+    entry->setVisible(shown);
+    // A hidden entry takes its screen off the desktop; showing the entry again does not
+    // bring the screen back.
+    if (QWidget* screen = buttonScreens.value(entry); !shown && screen && screen->isVisible())
+        screen->hide();
+    // The spacer above an entry goes and comes with it.
     auto* layout = qobject_cast<QVBoxLayout*>(entry->parentWidget() ? entry->parentWidget()->layout() : nullptr);
     if (layout) {
         const int index = layout->indexOf(entry);
         QWidget* before = index > 0 ? layout->itemAt(index - 1)->widget() : nullptr;
         if (before && before->objectName() == QLatin1String("spacer"))
-            before->show();
+            before->setVisible(shown);
     }
-    refreshMenuVisibility(menu);
+    refreshMenuVisibility(key.menu);
 }
 
 bool MenuBar::removeMenuItem(const QString& menu, const QString& subMenu, const QString& label, int n)

@@ -174,6 +174,8 @@ private:
     void settleMenu(const QString& menu);
     void clearMenu(const QString& menu);
     void refreshMenuVisibility(const QString& menu);
+    // Hides or shows the entry of \a key and the spacer above it (disableScreen, enableScreen).
+    void setEntryShown(const ScreenKey& key, bool shown);
     QList<QPushButton*> entriesOf(const QString& menu) const;
     static QString nestKey(const QString& menu, const QString& subMenu);
 
