@@ -15,7 +15,6 @@
 namespace {
 
 const char* const sourceFile = "Components/Source/View/Widgets/StatusBarImpl";
-const char* const RefOscillatorName = "REFOSCILLATOR1";
 
 } // namespace
 
@@ -41,7 +40,7 @@ void RefOscillatorFeed::search()
     GlobalImpl* registry = GlobalImpl::existingInstance();
     NamingServiceImpl* discovery = registry ? registry->namingService() : nullptr;
     if (!discovery) {
-        qDebug() << "UserInterface - StatusBar - no module discovery to find" << RefOscillatorName << "with";
+        qDebug() << "UserInterface - StatusBar - no module discovery to find" << AttributeName << "with";
         emit searched(false);
         return;
     }
@@ -56,13 +55,13 @@ void RefOscillatorFeed::search()
             if (CORBA::is_nil(module.in()))
                 continue;
             try {
-                const Orvanth::EngineReadingBase_var reading = module->FindAttribute(RefOscillatorName);
+                const Orvanth::EngineReadingBase_var reading = module->FindAttribute(AttributeName);
                 if (CORBA::is_nil(reading.in()))
                     continue;
                 Lookup found;
                 found.attribute = Orvanth::EngineAttribEnum::_narrow(reading.in());
                 if (CORBA::is_nil(found.attribute.in())) {
-                    qDebug() << "UserInterface - StatusBar -" << RefOscillatorName << "of module" << index
+                    qDebug() << "UserInterface - StatusBar -" << AttributeName << "of module" << index
                              << "is no enumeration";
                     continue;
                 }
@@ -83,7 +82,7 @@ void RefOscillatorFeed::searchFinished()
 {
     const Lookup found = m_search.result();
     if (CORBA::is_nil(found.attribute.in())) {
-        qDebug() << "UserInterface - StatusBar - no engine has" << RefOscillatorName;
+        qDebug() << "UserInterface - StatusBar - no engine has" << AttributeName;
         emit searched(false);
         return;
     }
@@ -105,7 +104,7 @@ void RefOscillatorFeed::set(CORBA::Long value)
         try {
             attribute->Set(gateway ? gateway->getLockerID() : Orvanth::LockerID{}, value);
         } catch (const Orvanth::Runtime_errors::Generic& refused) {
-            qDebug().noquote() << "UserInterface - StatusBar - the engine refused" << RefOscillatorName << value << ":"
+            qDebug().noquote() << "UserInterface - StatusBar - the engine refused" << AttributeName << value << ":"
                                << CorbaFailure::info(refused);
         } catch (const CORBA::Exception& exception) {
             CorbaFailure::logAtPosition(exception, sourceFile, __LINE__);

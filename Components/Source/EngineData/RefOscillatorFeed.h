@@ -33,6 +33,7 @@ class TZUICOMPONENTS_EXPORT RefOscillatorFeed : public QObject
 
 public:
     using Receiver = std::function<void(const char* topic, CORBA::Long value)>;
+    static constexpr const char* AttributeName = "REFOSCILLATOR1";
 
     explicit RefOscillatorFeed(Receiver receiver, QObject* parent = nullptr);
     ~RefOscillatorFeed() override;

@@ -24,8 +24,6 @@
 
 namespace {
 
-const char* const sourceFile = "Components/Source/View/Widgets/StatusBarImpl";
-const char* const RefOscillatorName = "REFOSCILLATOR1";
 // Each icon of the row takes this much of the icon box.
 constexpr int IconSlot = 35;
 
@@ -567,7 +565,7 @@ void StatusBarImpl::dds_callback_pll_status(const char*, CORBA::Long status)
 void StatusBarImpl::setReferenceOscillator(bool extRef)
 {
     if (!hasReferenceOscillator()) {
-        qDebug() << "UserInterface - StatusBar - no" << RefOscillatorName << "to switch";
+        qDebug() << "UserInterface - StatusBar - no" << RefOscillatorFeed::AttributeName << "to switch";
         return;
     }
     addMessage(extRef ? tr("Reference Oscillator is set to 'External'") : tr("Reference Oscillator is set to 'Internal'"),
