@@ -57,6 +57,7 @@ private slots:
 
     void touchOfAnUnboundWidget_data();
     void touchOfAnUnboundWidget();
+    void fedValuesDriveTheWidgetWithoutAnEngine();
     void followsTheEnginesOwnLock();
     void showsTheLastLockStateAfterOneUpdateDelay_data();
     void showsTheLastLockStateAfterOneUpdateDelay();
@@ -135,6 +136,30 @@ void TestWidgetBaseImpl::touchOfAnUnboundWidget()
     QCOMPARE(entrySpy.count(), entry ? 1 : 0);
     QCOMPARE(GlobalImpl::getInstance()->entryMechanism() == host.widget, entry);
 
+}
+
+void TestWidgetBaseImpl::fedValuesDriveTheWidgetWithoutAnEngine()
+{
+    ModuleWindow host;
+    host.widget->setAttributeName(action);
+    AttributeFeed* feed = host.widget->attributeFeed();
+    QSignalSpy posted(host.widget, &WidgetBaseImpl::exceptionMessage);
+    QSignalSpy bound(host.widget, &WidgetBaseImpl::bindingFinished);
+
+    emit feed->bindingFinished(true, true);
+    QCOMPARE(bound.count(), 1);
+    QVERIFY(host.widget->lockOverlay()->isVisible());
+    emit feed->lockChanged(false);
+    QVERIFY(!host.widget->isLocked());
+    QVERIFY(!host.widget->lockOverlay()->isVisible());
+    emit feed->lockChanged(true);
+    QVERIFY(host.widget->isLocked());
+    QVERIFY(host.widget->lockOverlay()->isVisible());
+
+    emit feed->engineLost(QStringLiteral("CORBA::TRANSIENT"), false);
+    QCOMPARE(posted.count(), 1);
+    QCOMPARE(posted.first().at(0).toString(),
+             QStringLiteral("CORBA::TRANSIENT RUNACTION1, disconnecting from engine: Signal Generator"));
 }
 
 void TestWidgetBaseImpl::followsTheEnginesOwnLock()

@@ -2,29 +2,19 @@
 
 #include "ApplicationOptions.h"
 #include "CSS.h"
-#include "CorbaFailure.h"
+#include "AttributeFeed.h"
 #include "GlobalImpl.h"
-#include "LockerGateway.h"
-#include "ORB_base.h"
 
 #include <QBoxLayout>
 #include <QDebug>
 #include <QLabel>
 #include <QPushButton>
 #include <QStyle>
-#include <QThreadPool>
-#include <QtConcurrent>
-
-#include <cstring>
 
 namespace Lumaro {
 namespace gui {
 
 namespace {
-
-const char* const sourceFile = "Components/Source/View/Widgets/PushButtonImpl";
-// Where log readers have always found a failed narrowing of a pressed button.
-constexpr int narrowFailureLine = 202;
 
 QString standardSheet()
 {
@@ -52,12 +42,6 @@ QString tallSheet()
                "max-height: 14px; margin: 17px 0px 0px 0px; font: bold 14px; }"
                "QLabel#Locked { border: 1px solid %4; background-color: #666666; }")
         .arg(CSS::gradientDark(), CSS::gradientMiddle(), CSS::gradientLight(), CSS::border(), CSS::highlight());
-}
-
-Orvanth::LockerID currentLockerID()
-{
-    const std::shared_ptr<LockerGateway> gateway = GlobalImpl::currentLockerGateway();
-    return gateway ? gateway->getLockerID() : Orvanth::LockerID{};
 }
 
 } // namespace
@@ -108,32 +92,7 @@ void PushButtonImpl::bindAttribute(Orvanth::EngineReadingBase_ptr reading)
 {
     WidgetBaseImpl::bindAttribute(reading);
     if (!CORBA::is_nil(reading))
-        runEngineCall(&PushButtonImpl::checkVoidType);
-}
-
-void PushButtonImpl::checkVoidType(const EngineHandle& engine)
-{
-    Orvanth::EngineReadingBase_var reading = engine.reading();
-    if (CORBA::is_nil(reading))
-        return;
-    try {
-        const Orvanth::TypeInfo_var info = reading->GetTypeInfo();
-        if (std::strcmp(info->name.in(), "EngineAttribVoid") == 0) {
-            Orvanth::EngineAttribVoid_var action = Orvanth::EngineAttribVoid::_narrow(reading.in());
-            if (CORBA::is_nil(action))
-                qDebug() << "Failed to narrow ::Orvanth::EngineAttribVoid";
-        } else {
-            qDebug().noquote() << QString::asprintf(">>>>>Expected Void type but received: %s (%s)", info->name.in(),
-                                                    engine.attributeName().toUtf8().constData());
-        }
-    } catch (const CORBA::TRANSIENT&) {
-        engine.reportDisconnect(QStringLiteral("CORBA::TRANSIENT"));
-    } catch (const CORBA::COMM_FAILURE&) {
-        engine.reportDisconnect(QStringLiteral("CORBA::COMM_FAILURE"));
-    } catch (const CORBA::Exception& exception) {
-        CorbaFailure::logException(sourceFile, "bindAttribute", __LINE__);
-        qDebug().noquote() << "UserInterface -" << CorbaFailure::describe(exception);
-    }
+        attributeFeed()->checkActionType();
 }
 
 void PushButtonImpl::setButtonText(const QString& theText)
@@ -196,10 +155,8 @@ void PushButtonImpl::buttonClicked()
     QWidget* entry = registry->entryMechanism();
     if (entry && entry != this && hasReading)
         return;
-    if (hasReading) {
-        const EngineHandle engine = engineHandle();
-        QtConcurrent::run(QThreadPool::globalInstance(), [engine] { sendSetCall(engine); });
-    }
+    if (hasReading)
+        attributeFeed()->sendAction();
     emit clicked();
     auto* sendingButton = qobject_cast<QPushButton*>(sender());
     emit buttonPressed(sendingButton ? sendingButton->objectName() : QString());
@@ -213,39 +170,7 @@ void PushButtonImpl::emulateClick()
 
 void PushButtonImpl::sendSetCall()
 {
-    sendSetCall(engineHandle());
-}
-
-void PushButtonImpl::sendSetCall(const EngineHandle& engine)
-{
-    const QString name = engine.attributeName();
-    Orvanth::EngineAttribVoid_var action;
-    try {
-        Orvanth::EngineReadingBase_var reading = engine.reading();
-        action = Orvanth::EngineAttribVoid::_narrow(reading.in());
-    } catch (...) {
-        CorbaFailure::logException(sourceFile, nullptr, narrowFailureLine);
-        return;
-    }
-    if (CORBA::is_nil(action))
-        return;
-    ORB_base::setCallTimeout(action, EngineCallTimeout);
-    try {
-        qDebug() << "UserInterface - PushButton:" << name << "- Sending VOID.";
-        action->Set(currentLockerID());
-        qDebug() << "UserInterface - PushButton Set returned.";
-    } catch (const CORBA::TRANSIENT&) {
-        engine.reportDisconnect(QStringLiteral("CORBA::TRANSIENT"));
-    } catch (const CORBA::COMM_FAILURE&) {
-        engine.reportDisconnect(QStringLiteral("CORBA::COMM_FAILURE"));
-    } catch (const CORBA::Exception& exception) {
-        qDebug() << "UserInterface - VOID:" << name << "threw an exception while sending notify event";
-        qDebug().noquote() << "UserInterface -" << CorbaFailure::describe(exception);
-        engine.reportException(name + QStringLiteral(" threw an exception while sending notify event"));
-    } catch (...) {
-        qDebug() << "UserInterface - VOID:" << name << "threw an exception while sending notify event";
-        engine.reportException(name + QStringLiteral(" threw an exception while sending notify event"));
-    }
+    AttributeFeed::sendAction(engineHandle());
 }
 
 } // namespace gui

@@ -65,9 +65,6 @@ signals:
     void buttonPressed(QString objName);
 
 private:
-    static void sendSetCall(const EngineHandle& engine);
-    static void checkVoidType(const EngineHandle& engine);
-
     QString m_styleSheet;
     QString m_tallStyleSheet;
     QPushButton* m_button;

@@ -3,12 +3,10 @@
 
 #include "tzuicomponents_export.h"
 
-#include "DDS_Subscriber_Object.h"
+#include "AttributeFeed.h"
 
 #include <Orvanth.hh>
 
-#include <QList>
-#include <QPointer>
 #include <QString>
 #include <QWidget>
 
@@ -16,7 +14,6 @@
 #include <functional>
 #include <memory>
 
-class NamingServiceImpl;
 class QLabel;
 class QPushButton;
 
@@ -26,11 +23,10 @@ class QPushButton;
  * the engine's control lock and the registry's data-entry slot on a touch, and reports a
  * lost engine to the log and the status bar.
  *
- * Every remote call (finding, narrowing and subscribing, Lock, Unlock, MayAccess) runs on
- * the global thread pool, one call of a widget after the other, and its outcome comes back
- * to the GUI thread queued; the GUI thread never waits for an engine. So bindAttribute()
- * and a touch return at once, and the binding's outcome is announced by bindingFinished().
- * Lock notices from the engine arrive on DDS threads, which only hand them on.
+ * The widget's AttributeFeed makes every remote call (finding, narrowing and subscribing,
+ * Lock, Unlock, MayAccess) on the global thread pool and hands the outcomes back to the
+ * GUI thread; the GUI thread never waits for an engine. So bindAttribute() and a touch
+ * return at once, and the binding's outcome is announced by bindingFinished().
  */
 class TZUICOMPONENTS_EXPORT WidgetBaseImpl : public QWidget
 {
@@ -43,7 +39,7 @@ class TZUICOMPONENTS_EXPORT WidgetBaseImpl : public QWidget
 public:
     /// How long one call on a bound attribute may take before it fails with
     /// CORBA::TIMEOUT: a hung engine holds a pool thread no longer than this.
-    static constexpr std::chrono::milliseconds EngineCallTimeout{2000};
+    static constexpr std::chrono::milliseconds EngineCallTimeout = AttributeFeed::CallTimeout;
 
     explicit WidgetBaseImpl(QWidget* parent = nullptr);
     /// Gives back an engine lock the widget holds (on the pool) and ends its
@@ -96,6 +92,9 @@ public:
     CORBA::Long lockHandle() const { return m_lockHandle; }
     /// The transparent button that covers the widget while it is locked.
     QPushButton* lockOverlay() const { return m_lockOverlay; }
+    /// Where the widget's engine values come from; its signals drive the widget, so a
+    /// test or a host can feed values through them without an engine.
+    AttributeFeed* attributeFeed() const { return m_feed.get(); }
 
     /// Logs the loss, unbinds the widget (its subscriptions stay) and posts the reason
     /// to the status bar. GUI thread only; work on the pool reaches it through
@@ -126,30 +125,9 @@ signals:
     void bindingFinished(bool bound);
 
 protected:
-    class EngineLink;
-
-    /**
-     * What work on another thread may use of the widget: its engine references as they
-     * are when it runs, its attribute name, and ways back into the GUI thread that do
-     * nothing once the widget is gone or bound anew. Cheap to copy.
-     */
-    class TZUICOMPONENTS_EXPORT EngineHandle
-    {
-    public:
-        Orvanth::EngineReadingBase_var reading() const;
-        QString attributeName() const;
-        /// disconnectCORBA(\a reason) in the GUI thread, unless the binding has changed.
-        void reportDisconnect(const QString& reason) const;
-        /// exceptionMessage(\a message) from the GUI thread.
-        void reportException(const QString& message) const;
-
-    private:
-        friend class WidgetBaseImpl;
-        EngineHandle(std::shared_ptr<EngineLink> link, quint64 generation);
-
-        std::shared_ptr<EngineLink> m_link;
-        quint64 m_generation;
-    };
+    /// What work on another thread may use of the widget's engine binding; its
+    /// reportDisconnect() reaches disconnectCORBA() in the GUI thread.
+    using EngineHandle = AttributeFeed::CallHandle;
 
     EngineHandle engineHandle() const;
     /// Runs \a call on the pool after the widget's engine calls already queued.
@@ -164,36 +142,25 @@ protected:
     void acquireLock();
 
 private:
-    class LockStateApplier;
-
     void connectToStatusBar();
-    void followDiscovery(NamingServiceImpl* discovery);
-    void adoptSubscription(Orvanth::DDS_BaseObj* subscriber);
-    void finishBinding(quint64 generation, bool bound, bool locked);
-    void attributeNotFound(quint64 generation);
-    void applyPendingLockAnswer();
-    void applyLockAnswer(quint64 generation, bool locked);
-    void engineLost(quint64 generation, const QString& reason, bool showLocked);
+    void connectToFeed();
+    void finishBinding(bool bound, bool locked);
+    void attributeNotFound();
+    void applyLockAnswer(bool locked);
+    void engineLost(const QString& reason, bool showLocked);
     void lockTaken(bool taken, CORBA::Long handle);
     void lockRefused(const QString& reason);
     void offerEntry();
-    /// Starts a new binding epoch: results of work started before it are dropped.
-    quint64 renewGeneration();
 
     QWidget* m_desktop = nullptr;
     bool m_suppressReceiveDebug = false;
-    // The engine references, shared with work on the pool and with DDS callbacks.
-    std::shared_ptr<EngineLink> m_link;
-    QList<Orvanth::DDS_Subscriber_Object> m_subscriptions;
+    std::unique_ptr<AttributeFeed> m_feed;
     QPushButton* m_lockOverlay;
     QString m_attributeName;
     QLabel* m_label = nullptr;
     int m_updateDelay = 0;
     CORBA::Long m_lockHandle = 0;
     bool m_locked = false;
-    quint64 m_generation = 0;
-    bool m_bindByName = false;
-    QPointer<NamingServiceImpl> m_followedDiscovery;
 };
 
 #endif
