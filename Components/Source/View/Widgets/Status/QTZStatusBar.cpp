@@ -7,6 +7,7 @@
 #include "QTZLowBatteryAlert.h" // completes the alert type QTZBatteryStatus.h points to
 #include "QTZMsgLogger.h"
 #include "SpeechBubbleImpl.h"
+#include "StatusMessages.h"
 
 #include <QDebug>
 #include <QEvent>
@@ -46,36 +47,15 @@ QPushButton* iconButton(const QString& objectName, QWidget* parent)
     return button;
 }
 
-// The sheet shared by the three sizes; each size changes a few of its rules.
-QString barSheet(const QString& labelBoxRule, const QString& minMaxImage, const QString& iconMargin,
-                 const QString& textRules)
-{
-    const QString iconSize =
-        QStringLiteral("    min-width: 30px;    max-width: 30px;    min-height: 30px;    max-height: 30px;");
-    return QStringLiteral("QFrame#StatusBar {    background-color: transparent;}"
-                          "QFrame#MessageFrame {    background-color: rgb(63,63,63);    border: 2px solid ")
-           + CSS::border()
-           + QStringLiteral(";    border-radius: 18px;    padding-left: 2px;}") + labelBoxRule
-           + QStringLiteral("QPushButton#MinMaxIcon {") + minMaxImage + QStringLiteral("    border: none;")
-           + iconSize + iconMargin + QStringLiteral("}QLabel#LockIcon {    background-image: url(:/images/lockIcon.png);"
-                                                    "    background-position: center;    background-repeat: no-repeat;")
-           + iconSize + iconMargin
-           + QStringLiteral("}QPushButton#AlertIcon {    border-image: url(:/images/alertIcon.png);") + iconSize
-           + iconMargin + QStringLiteral("}QLabel#TestIcon {    border: 2px solid green;") + iconSize
-           + QStringLiteral("}QPushButton#MaxButton {    border: none;    background-color: transparent;"
-                            "    color: transparent;}")
-           + textRules;
-}
-
 } // namespace
 
 QTZStatusBar::QTZStatusBar(QWidget* parent)
     : QFrame(parent)
+    , m_messages(new StatusMessages(BarHeight, this))
     , m_geometryAnimation(this, "geometry")
 {
     EventMessageFormat::registerMetaTypes();
     setObjectName(QStringLiteral("StatusBar"));
-    buildStyleSheets();
 
     auto* barLayout = rowLayout(this, 0);
     m_messageFrame = new QFrame(this);
@@ -124,7 +104,7 @@ QTZStatusBar::QTZStatusBar(QWidget* parent)
     m_textLabels[0]->setGeometry(0, 0, m_textWidth, m_barHeight);
     m_textLabels[1]->setGeometry(0, m_barHeight, m_textWidth, m_barHeight);
 
-    setStyleSheet(m_smallSheet);
+    setStyleSheet(StatusMessages::sizeStyleSheet(Small));
     // Measured as styled: the sheet's margins widen the icons.
     for (int i = 0; i < m_iconLayout->count(); ++i)
         m_iconsWidth += iconWidth(m_iconLayout->itemAt(i)->widget()) + m_iconLayout->spacing();
@@ -154,6 +134,19 @@ QTZStatusBar::QTZStatusBar(QWidget* parent)
     m_speechBubble = new SpeechBubbleImpl(parentWidget());
     m_speechBubble->hide();
 
+    m_messages->setMessageLog(m_log);
+    m_messages->setTextLabels(m_textLabels[0], m_textLabels[1]);
+    m_messages->setHoldsBackAlerts(true);
+    m_messages->setSpeechBubble(m_speechBubble, [this] {
+        QPoint point(this->x() + m_iconsWidth - 30, this->y() + 5);
+        const QSize screen = ApplicationOptions::resolution();
+        if (screen.isValid() && point.x() + m_speechBubble->width() > screen.width())
+            point.setX(screen.width() / 2);
+        return point;
+    });
+    connect(m_messages, &StatusMessages::sendAlert, this, &QTZStatusBar::sendAlert);
+    connect(m_messages, &StatusMessages::restyle, this, &QTZStatusBar::setCSS);
+
     m_events = std::make_unique<EventFeed>(
         [this](const char* topic, Orvanth::Event::Message message) { dds_callback(topic, std::move(message)); });
 }
@@ -167,61 +160,34 @@ QTZStatusBar::~QTZStatusBar()
     delete m_log.data();
 }
 
-QString QTZStatusBar::sizeStyleSheet(const QString& size)
+bool QTZStatusBar::isAlert() const
 {
-    if (size == Small) {
-        return barSheet(QStringLiteral("QLabel#LabelBox {    background-color: transparent;    border: none;"
-                                       "    min-height: 32px;    max-height: 32px;}"),
-                        QStringLiteral("    image: url(:/images/svg/maximizeButton.svg);"),
-                        QStringLiteral("    margin-right: 2px;"), QString());
-    }
-    if (size == Max) {
-        return barSheet(
-            QStringLiteral("QLabel#LabelBox {    background-color: transparent;    border: none;    padding: 0px;"
-                           "    min-height: 32px;    max-height: 32px;}"),
-            QStringLiteral("    image: url(:/images/svg/restoreButton.svg);"), QStringLiteral("    margin-right: 4px;"),
-            QStringLiteral("QLabel#LblText {    background-color: rgb(153,153,153);    border: 2px solid ")
-                + CSS::border()
-                + QStringLiteral(";    border-radius: 14px;    font-size: 18px;    color: black;"
-                                 "    margin: 0px 2px 0px 0px;    padding-right: 4px;    padding-top: 4px;"
-                                 "    min-height: 26px;    max-height: 26px;}"
-                                 "QLabel#HiddenLabel {    background-color: transparent;    font-size: 18px;"
-                                 "    color: black;    padding: 7px 0px 0px 4px;    margin: 0px 2px 0px 0px;"
-                                 "    min-height: 26px;    max-height: 26px;    border: none;}"));
-    }
-    return barSheet(QStringLiteral("QLabel#LabelBox {    background-color: transparent;    border: none;"
-                                   "    min-height: 34px;    max-height: 34px;}"),
-                    QStringLiteral("    image: none;"), QStringLiteral("    margin: 0px;"), QString());
+    return m_messages->isAlert();
 }
 
-QString QTZStatusBar::infoIconStyleSheet()
+bool QTZStatusBar::hasNewMessage() const
 {
-    return QStringLiteral("QPushButton#AlertIcon {    border-image: url(:/images/alertIcon_info.png);}");
+    return m_messages->hasNewMessage();
 }
 
-QString QTZStatusBar::alertStyleSheet()
+QString QTZStatusBar::lastText() const
 {
-    return QStringLiteral("QFrame#MessageFrame {    border: 2px solid #f00;}"
-                          "QPushButton#AlertIcon {    border-image: url(:/images/error_alertIcon.png);}"
-                          "QLabel#LblText {    border: 2px solid #f00;}");
+    return m_messages->lastText();
 }
 
-void QTZStatusBar::buildStyleSheets()
+int QTZStatusBar::messageCount() const
 {
-    m_smallSheet = sizeStyleSheet(Small);
-    m_maxSheet = sizeStyleSheet(Max);
-    m_tinySheet = sizeStyleSheet(Tiny);
-    m_infoIconSheet = infoIconStyleSheet();
-    m_alertSheet = alertStyleSheet();
+    return m_messages->messageCount();
+}
+
+QStringList QTZStatusBar::pendingAlerts() const
+{
+    return m_messages->heldBackAlerts();
 }
 
 void QTZStatusBar::setCSS()
 {
-    QString sheet = m_sizeState == Max ? m_maxSheet : m_sizeState == Small ? m_smallSheet : m_tinySheet;
-    if (m_alert)
-        sheet += m_alertSheet;
-    else if (m_newMessage)
-        sheet += m_infoIconSheet;
+    const QString sheet = m_messages->styleSheet(m_sizeState);
     // Re-polishing every child is not free, and messages may come many a second.
     if (sheet != styleSheet())
         setStyleSheet(sheet);
@@ -255,55 +221,9 @@ void QTZStatusBar::dds_callback(const char*, Orvanth::Event::Message message)
                        message.classification());
 }
 
-QString QTZStatusBar::fileMessage(MsgLogger* log, int messageCount, const QString& desc, const QString& dateTime,
-                                  Orvanth::Event::EventClass evt)
-{
-    if (desc.trimmed().isEmpty())
-        qDebug() << "UserInterface - StatusBar - message without text, class" << quint32(evt);
-    if (quint32(evt) > quint32(Orvanth::Event::EVENT_STATUS))
-        qDebug() << "UserInterface - StatusBar - unknown event class shown as INFO:" << quint32(evt);
-    const QString line = EventMessageFormat::line(dateTime, evt, desc);
-    if (!log)
-        return line;
-
-    const bool red = EventMessageFormat::isAlertClass(evt);
-    log->setTextColor(red ? Qt::red : Qt::black);
-    if (messageCount < MsgLogger::MaximumLines) {
-        log->addMessage(line, true);
-    } else {
-        if (messageCount % MsgLogger::MaximumLines == 0)
-            log->setTextCursorStart();
-        log->addMessage(line, false);
-    }
-    if (red)
-        log->setTextColor(Qt::black);
-    return line;
-}
-
 void QTZStatusBar::addMessage(QString desc, QString dateTime, Orvanth::Event::EventClass evt)
 {
-    const QString line = fileMessage(m_log, m_messageCount, desc, dateTime, evt);
-    if (EventMessageFormat::isAlertClass(evt)) {
-        showAlertMessage(line);
-    } else {
-        m_newMessage = true;
-        if (evt == Orvanth::Event::EVENT_CRITICAL)
-            showInfoMessage(desc, SpeechBubbleImpl::csRed);
-        else if (evt == Orvanth::Event::EVENT_STATUS)
-            showInfoMessage(desc, SpeechBubbleImpl::csGreen);
-        else
-            setCSS();
-    }
-
-    m_labelToggle = !m_labelToggle;
-    QLabel* in = m_textLabels[m_labelToggle ? 1 : 0];
-    QLabel* out = m_textLabels[m_labelToggle ? 0 : 1];
-    const QString text = desc.simplified();
-    in->setText(text);
-    out->setText(m_lastText);
-    slideText(out, in, m_barHeight);
-    m_lastText = text;
-    ++m_messageCount;
+    m_messages->add(desc, dateTime, evt);
 }
 
 void QTZStatusBar::addMessage(QString desc, QString dateTime)
@@ -316,74 +236,21 @@ void QTZStatusBar::addMessage(QString desc)
     addMessage(desc, QString(), Orvanth::Event::EVENT_INFO);
 }
 
-void QTZStatusBar::slideText(QLabel* out, QLabel* in, int distance)
-{
-    const auto slide = [](QLabel* label, const QPoint& from, const QPoint& to) {
-        // A slide still running from the previous message would fight this one.
-        for (QPropertyAnimation* running : label->findChildren<QPropertyAnimation*>())
-            running->stop();
-        auto* animation = new QPropertyAnimation(label, "pos", label);
-        animation->setDuration(AnimationMs);
-        animation->setStartValue(from);
-        animation->setEndValue(to);
-        animation->start(QAbstractAnimation::DeleteWhenStopped);
-    };
-    slide(out, QPoint(0, 0), QPoint(0, -distance));
-    slide(in, QPoint(0, distance), QPoint(0, -4));
-}
-
-void QTZStatusBar::showInfoMessage(const QString& text, int scheme)
-{
-    if (m_speechBubble) {
-        m_speechBubble->setColorScheme(SpeechBubbleImpl::ColorScheme(scheme));
-        m_speechBubble->setText(text);
-        QPoint point(x() + m_iconsWidth - 30, y() + 5);
-        const QSize screen = ApplicationOptions::resolution();
-        if (screen.isValid() && point.x() + m_speechBubble->width() > screen.width())
-            point.setX(screen.width() / 2);
-        m_speechBubble->show(point);
-    }
-    setCSS();
-}
-
-void QTZStatusBar::showAlertMessage(const QString& line)
-{
-    if (!m_alert) {
-        m_alert = true;
-        if (m_log)
-            m_log->setAlertStyle(true);
-        setCSS();
-    }
-    if (ApplicationOptions::isInitializing())
-        m_pendingAlerts.append(line);
-    else
-        emit sendAlert(line, false);
-}
-
 void QTZStatusBar::sendAllAlertMessages()
 {
-    // Taken first: a receiver may post further messages while we emit.
-    const QStringList pending = m_pendingAlerts;
-    m_pendingAlerts.clear();
-    for (const QString& alert : pending)
-        emit sendAlert(alert, false);
+    m_messages->sendHeldBackAlerts();
 }
 
 void QTZStatusBar::disableAlertMessage()
 {
-    m_alert = false;
-    if (m_log) {
-        m_log->raise();
-        m_log->setAlertStyle(false);
-    }
-    setCSS();
+    m_messages->clearAlert();
 }
 
 void QTZStatusBar::handleAlertIconClicked()
 {
-    if (m_alert) {
-        showAlertMessage(QString());
-    } else if (m_newMessage) {
+    if (m_messages->isAlert()) {
+        m_messages->raiseAlert(QString());
+    } else if (m_messages->hasNewMessage()) {
         if (m_sizeState == Small)
             animate();
         m_logShown = true;
@@ -502,10 +369,7 @@ void QTZStatusBar::animationFinished()
 
 void QTZStatusBar::minimizeAll()
 {
-    if (m_newMessage) {
-        m_newMessage = false;
-        setCSS();
-    }
+    m_messages->clearNewMessage();
     if (m_resumeAnimation) {
         m_resumeAnimation = false;
         animate();

@@ -17,6 +17,7 @@
 #include <memory>
 
 class MsgLogger;
+class StatusMessages;
 class QHBoxLayout;
 class QLabel;
 class QMouseEvent;
@@ -69,40 +70,21 @@ public:
 
     /// "Small", "Max" or "Tiny".
     QString sizeState() const { return m_sizeState; }
-    bool isAlert() const { return m_alert; }
+    bool isAlert() const;
     /// An information message came since the log was last closed.
-    bool hasNewMessage() const { return m_newMessage; }
+    bool hasNewMessage() const;
     bool isLogShown() const { return m_logShown; }
     /// The message text on show.
-    QString lastText() const { return m_lastText; }
-    int messageCount() const { return m_messageCount; }
+    QString lastText() const;
+    int messageCount() const;
     /// Alerts held back while the application initialises, oldest first.
-    QStringList pendingAlerts() const { return m_pendingAlerts; }
+    QStringList pendingAlerts() const;
     int smallWidth() const { return m_smallWidth; }
     int iconsWidth() const { return m_iconsWidth; }
     QTZMsgLogger* messageLog() const { return m_log.data(); }
     SpeechBubbleImpl* speechBubble() const { return m_speechBubble.data(); }
     /// Null except on handheld, portrait and landscape systems.
     QTZBatteryStatus* batteryStatus() const { return m_battery; }
-
-    /**
-     * Writes one message into \a log as the status bars do and returns its line: the
-     * \a messageCount-th message (counting from 0) is appended while the log has room,
-     * later ones overwrite the oldest line; warnings and alerts in red, the rest in
-     * black. A message without text or of an unknown class is logged and filed all the
-     * same (an unknown class as "INFO").
-     */
-    static QString fileMessage(MsgLogger* log, int messageCount, const QString& desc, const QString& dateTime,
-                               Orvanth::Event::EventClass evt);
-
-    /// The bar's style sheet at the size \a size: "Small", "Max", any other "Tiny".
-    static QString sizeStyleSheet(const QString& size);
-    /// Added to the size's sheet while an information message is pending.
-    static QString infoIconStyleSheet();
-    /// Added to the size's sheet in the alert state: red borders and alert icon.
-    static QString alertStyleSheet();
-    /// Slides the label \a out up by \a distance out of view and \a in up into view.
-    static void slideText(QLabel* out, QLabel* in, int distance);
 
 signals:
     void showMessageLog(bool showLog);
@@ -135,10 +117,7 @@ private slots:
     void changeState();
 
 private:
-    void buildStyleSheets();
     void setCSS();
-    void showInfoMessage(const QString& text, int scheme);
-    void showAlertMessage(const QString& line);
     /// Shows or hides the battery and every widget in the icon box.
     void setIconsVisible(bool visible);
     /// The width \a icon takes in the icon row, as styled.
@@ -150,21 +129,11 @@ private:
     QPointer<QTZMsgLogger> m_log;
     int m_smallWidth = 0;
     int m_barHeight = BarHeight;
-    int m_messageCount = 0;
     int m_iconsWidth = 0;
     bool m_logShown = false;
-    bool m_labelToggle = false;
     bool m_resumeAnimation = false;
-    bool m_newMessage = false;
-    bool m_alert = false;
     QString m_sizeState = QStringLiteral("Small");
-    QString m_lastText;
-    QString m_smallSheet;
-    QString m_maxSheet;
-    QString m_tinySheet;
-    QString m_infoIconSheet;
-    QString m_alertSheet;
-    QStringList m_pendingAlerts;
+    StatusMessages* m_messages;
     int m_textWidth = 700;
     QTZBatteryStatus* m_battery = nullptr;
     QPropertyAnimation m_geometryAnimation;

@@ -7,7 +7,7 @@
 #include "RefOscillatorFeed.h"
 #include "GlobalImpl.h"
 #include "LowBatteryAlert.h"
-#include "QTZStatusBar.h"
+#include "StatusMessages.h"
 #include "SystemModule.h"
 
 #include <QDebug>
@@ -100,6 +100,7 @@ QString levelText(int level)
 
 StatusBarImpl::StatusBarImpl(QWidget* parent)
     : QFrame(parent)
+    , m_messages(new StatusMessages(BarHeight, this))
     , m_geometryAnimation(this, "geometry")
 {
     EventMessageFormat::registerMetaTypes();
@@ -171,6 +172,12 @@ StatusBarImpl::StatusBarImpl(QWidget* parent)
     m_speechBubble = new SpeechBubbleImpl(parentWidget());
     m_speechBubble->hide();
 
+    m_messages->setMessageLog(m_log);
+    m_messages->setTextLabels(m_textLabels[0], m_textLabels[1]);
+    m_messages->setSpeechBubble(m_speechBubble, [this] { return QPoint(this->x() + (m_expanded ? 85 : 75), this->y() + 5); });
+    connect(m_messages, &StatusMessages::sendAlert, this, &StatusBarImpl::sendAlert);
+    connect(m_messages, &StatusMessages::restyle, this, &StatusBarImpl::setCSS);
+
     m_refOscillator = std::make_unique<RefOscillatorFeed>(
         [this](const char* topic, CORBA::Long value) { dds_callback_ref_oscillator(topic, value); });
     connect(m_refOscillator.get(), &RefOscillatorFeed::searched, this, &StatusBarImpl::referenceOscillatorSearched);
@@ -234,11 +241,7 @@ void StatusBarImpl::buildBattery(QHBoxLayout* row)
 
 void StatusBarImpl::setCSS()
 {
-    QString sheet = QTZStatusBar::sizeStyleSheet(m_expanded ? QStringLiteral("Max") : QStringLiteral("Small"));
-    if (m_alert)
-        sheet += QTZStatusBar::alertStyleSheet();
-    else if (m_newMessage)
-        sheet += QTZStatusBar::infoIconStyleSheet();
+    QString sheet = m_messages->styleSheet(m_expanded ? QStringLiteral("Max") : QStringLiteral("Small"));
     sheet += refOscillatorSheet();
     if (m_batteryFrame)
         sheet += batterySheet();
@@ -267,28 +270,7 @@ void StatusBarImpl::dds_callback(const char*, Orvanth::Event::Message message)
 
 void StatusBarImpl::addMessage(QString desc, QString dateTime, Orvanth::Event::EventClass evt)
 {
-    const QString line = QTZStatusBar::fileMessage(m_log, m_messageCount, desc, dateTime, evt);
-    if (EventMessageFormat::isAlertClass(evt)) {
-        showAlertMessage(line);
-    } else {
-        m_newMessage = true;
-        if (evt == Orvanth::Event::EVENT_CRITICAL)
-            showInfoMessage(desc, SpeechBubbleImpl::csRed);
-        else if (evt == Orvanth::Event::EVENT_STATUS)
-            showInfoMessage(desc, SpeechBubbleImpl::csGreen);
-        else
-            setCSS();
-    }
-
-    m_labelToggle = !m_labelToggle;
-    QLabel* in = m_textLabels[m_labelToggle ? 1 : 0];
-    QLabel* out = m_textLabels[m_labelToggle ? 0 : 1];
-    const QString text = desc.simplified();
-    in->setText(text);
-    out->setText(m_lastText);
-    QTZStatusBar::slideText(out, in, m_barHeight);
-    m_lastText = text;
-    ++m_messageCount;
+    m_messages->add(desc, dateTime, evt);
 }
 
 void StatusBarImpl::addMessage(QString desc, QString dateTime)
@@ -301,42 +283,36 @@ void StatusBarImpl::addMessage(QString desc)
     addMessage(desc, QString(), Orvanth::Event::EVENT_INFO);
 }
 
-void StatusBarImpl::showInfoMessage(const QString& text, int scheme)
+bool StatusBarImpl::isAlert() const
 {
-    if (m_speechBubble) {
-        m_speechBubble->setColorScheme(SpeechBubbleImpl::ColorScheme(scheme));
-        m_speechBubble->setText(text);
-        m_speechBubble->show(QPoint(x() + (m_expanded ? 85 : 75), y() + 5));
-    }
-    setCSS();
+    return m_messages->isAlert();
 }
 
-void StatusBarImpl::showAlertMessage(const QString& line)
+bool StatusBarImpl::hasNewMessage() const
 {
-    if (!m_alert) {
-        m_alert = true;
-        if (m_log)
-            m_log->setAlertStyle(true);
-        setCSS();
-    }
-    emit sendAlert(line, false);
+    return m_messages->hasNewMessage();
+}
+
+QString StatusBarImpl::lastText() const
+{
+    return m_messages->lastText();
+}
+
+int StatusBarImpl::messageCount() const
+{
+    return m_messages->messageCount();
 }
 
 void StatusBarImpl::disableAlertMessage()
 {
-    m_alert = false;
-    if (m_log) {
-        m_log->raise();
-        m_log->setAlertStyle(false);
-    }
-    setCSS();
+    m_messages->clearAlert();
 }
 
 void StatusBarImpl::handleAlertIconClicked()
 {
-    if (m_alert) {
-        showAlertMessage(QString());
-    } else if (m_newMessage) {
+    if (m_messages->isAlert()) {
+        m_messages->raiseAlert(QString());
+    } else if (m_messages->hasNewMessage()) {
         if (!m_expanded)
             animate();
         m_logShown = true;
@@ -380,7 +356,7 @@ void StatusBarImpl::animate()
         return;
     }
     m_geometryAnimation.setEasingCurve(easing);
-    m_geometryAnimation.setDuration(QTZStatusBar::AnimationMs);
+    m_geometryAnimation.setDuration(AnimationMs);
     m_geometryAnimation.setStartValue(start);
     m_geometryAnimation.setEndValue(target);
     m_geometryAnimation.start();
@@ -399,10 +375,7 @@ void StatusBarImpl::animationFinished()
 
 void StatusBarImpl::minimizeAll()
 {
-    if (m_newMessage) {
-        m_newMessage = false;
-        setCSS();
-    }
+    m_messages->clearNewMessage();
     if (m_resumeAnimation) {
         m_resumeAnimation = false;
         animate();

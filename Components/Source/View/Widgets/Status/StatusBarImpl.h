@@ -20,6 +20,7 @@ class EventFeed;
 class LowBatteryAlert;
 class PowerFeed;
 class RefOscillatorFeed;
+class StatusMessages;
 class QHBoxLayout;
 class QLabel;
 class QPushButton;
@@ -41,6 +42,8 @@ class TZUICOMPONENTS_EXPORT StatusBarImpl : public QFrame
 
 public:
     static constexpr int BarHeight = 40;
+    /// Duration of the size animation.
+    static constexpr int AnimationMs = 250;
     /// The attribute value of an external reference oscillator (1 is internal).
     static constexpr CORBA::Long ExternalReference = 2;
     static constexpr CORBA::Long InternalReference = 1;
@@ -65,10 +68,10 @@ public:
     void dds_callback_pll_status(const char* topic, CORBA::Long status);
 
     bool isExpanded() const { return m_expanded; }
-    bool isAlert() const { return m_alert; }
-    bool hasNewMessage() const { return m_newMessage; }
-    QString lastText() const { return m_lastText; }
-    int messageCount() const { return m_messageCount; }
+    bool isAlert() const;
+    bool hasNewMessage() const;
+    QString lastText() const;
+    int messageCount() const;
     MsgLogger* messageLog() const { return m_log.data(); }
     SpeechBubbleImpl* speechBubble() const { return m_speechBubble.data(); }
     /// The battery button's state ("Charging", "FullyCharged", "OnBatteryPower",
@@ -118,8 +121,6 @@ private slots:
 private:
     void buildBattery(QHBoxLayout* row);
     void setCSS();
-    void showInfoMessage(const QString& text, int scheme);
-    void showAlertMessage(const QString& line);
     void updateBatteryStyle();
     void fixIconBoxWidth();
     QSize parentSize() const;
@@ -127,14 +128,10 @@ private:
     QPointer<MsgLogger> m_log;
     int m_smallWidth = 0;
     int m_barHeight = BarHeight;
-    int m_messageCount = 0;
     bool m_logShown = false;
-    bool m_labelToggle = false;
     bool m_resumeAnimation = false;
-    bool m_newMessage = false;
-    bool m_alert = false;
     bool m_expanded = false;
-    QString m_lastText;
+    StatusMessages* m_messages;
     int m_textWidth = 700;
     QPropertyAnimation m_geometryAnimation;
     QPointer<SpeechBubbleImpl> m_speechBubble;
