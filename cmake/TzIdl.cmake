@@ -9,7 +9,11 @@
 # to its public include path (build tree only). Given any other name, that variable is
 # set to the generated sources and the caller adds them. HEADERS names a variable that
 # receives the generated headers, for install().
-# The IDL's own directory is searched for its #includes; INCLUDE_DIRS adds more.
+# The IDL's own directory is searched for its #includes, then omniORB's standard IDL
+# (corbaidl.idl and its kin); INCLUDE_DIRS adds more.
+
+find_path(OMNIORB_IDL_DIR corbaidl.idl PATHS /usr/share/idl/omniORB /usr/local/share/idl/omniORB
+          DOC "omniORB's standard IDL files (Debian package omniorb-idl)")
 
 function(tz_idl_generated_dir out)
     set(dir ${CMAKE_CURRENT_BINARY_DIR}/generated)
@@ -40,6 +44,9 @@ function(tz_omniidl target_or_variable idl)
     tz_idl_generated_dir(dir)
 
     set(include_flags -I${idl_dir})
+    if(OMNIORB_IDL_DIR)
+        list(APPEND include_flags -I${OMNIORB_IDL_DIR})
+    endif()
     foreach(include_dir IN LISTS ARG_INCLUDE_DIRS)
         list(APPEND include_flags -I${include_dir})
     endforeach()
