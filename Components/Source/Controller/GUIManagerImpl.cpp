@@ -6,6 +6,7 @@
 #include "CorbaText.h"
 #include "DesktopImpl.h"
 #include "GlobalImpl.h"
+#include "OpenDialogRecord.h"
 #include "QTZStatusBar.h"
 #include "SystemModule.h"
 
@@ -239,10 +240,12 @@ CORBA::Long GUIManagerImpl::DisplayDialog(const char* title, const char* msg, co
             const QString titleText = incoming(title, "DisplayDialog");
             const QString message = incoming(msg, "DisplayDialog");
             const QString buttons = incoming(button, "DisplayDialog");
-            if (wait)
+            if (wait) {
                 emit showSimpleDialogBlocking(titleText, message, buttons, false);
-            else
+            } else {
                 emit showSimpleDialog(titleText, message, buttons, false, false);
+                noteQueuedRequest();
+            }
         }
     } catch (...) {
         CorbaFailure::logException(sourceFile, "DisplayDialog", __LINE__);
@@ -267,10 +270,12 @@ CORBA::Long GUIManagerImpl::DisplayDialogWithParams(const char* title, const cha
             QStringList parameters;
             for (CORBA::ULong i = 0; i < count; ++i)
                 parameters.append(incoming(params[i], "DisplayDialogWithParams"));
-            if (wait)
+            if (wait) {
                 emit showDialogWithParamsBlocking(titleText, message, parameters, buttons, false);
-            else
+            } else {
                 emit showDialogWithParams(titleText, message, parameters, buttons, false, false);
+                noteQueuedRequest();
+            }
         }
     } catch (...) {
         CorbaFailure::logException(sourceFile, "DisplayDialogWithParams", __LINE__);
@@ -287,10 +292,12 @@ CORBA::Long GUIManagerImpl::DisplayImage(const char* title, const char* msg, con
             const QString message = incoming(msg, "DisplayImage");
             const QString image = incoming(imageFile, "DisplayImage");
             const QString buttons = incoming(button, "DisplayImage");
-            if (wait)
+            if (wait) {
                 emit showImageDialogBlocking(titleText, message, image, buttons, false);
-            else
+            } else {
                 emit showImageDialog(titleText, message, image, buttons, false, false);
+                noteQueuedRequest();
+            }
         }
     } catch (...) {
         CorbaFailure::logException(sourceFile, "DisplayImage", __LINE__);
@@ -309,10 +316,12 @@ CORBA::Long GUIManagerImpl::DisplayDataEntry(const char* title, const char* msg,
             const QString buttons = incoming(button, "DisplayDataEntry");
             // The entry field offers the previous answer.
             const QString offered = responseData();
-            if (wait)
+            if (wait) {
                 emit showDataEntryDialogBlocking(titleText, message, buttons, offered, false);
-            else
+            } else {
                 emit showDataEntryDialog(titleText, message, buttons, offered, false, false);
+                noteQueuedRequest();
+            }
         }
         answer = CorbaText::toCorba(responseData());
     } catch (...) {
@@ -327,6 +336,7 @@ void GUIManagerImpl::CloseDialog(const char* dialog)
     try {
         if (serving("CloseDialog"))
             emit closeDialog(incoming(dialog, "CloseDialog"));
+            noteQueuedRequest();
     } catch (...) {
         CorbaFailure::logException(sourceFile, "CloseDialog", __LINE__);
     }
@@ -335,11 +345,28 @@ void GUIManagerImpl::CloseDialog(const char* dialog)
 void GUIManagerImpl::CloseAllDialogs()
 {
     try {
-        if (serving("CloseAllDialogs"))
+        if (serving("CloseAllDialogs")) {
             emit closeDialog(QString());
+            noteQueuedRequest();
+        }
     } catch (...) {
         CorbaFailure::logException(sourceFile, "CloseAllDialogs", __LINE__);
     }
+}
+
+void GUIManagerImpl::setDialogRecord(std::shared_ptr<const OpenDialogRecord> record)
+{
+    std::lock_guard<std::mutex> lock(m_recordMutex);
+    m_dialogRecord = std::move(record);
+}
+
+void GUIManagerImpl::noteQueuedRequest()
+{
+    // Posted to the GUI thread behind the request itself, so it runs once the receiver
+    // has handled the request.
+    m_queuedRequests.fetch_add(1, std::memory_order_acq_rel);
+    QMetaObject::invokeMethod(
+        this, [this] { m_queuedRequests.fetch_sub(1, std::memory_order_acq_rel); }, Qt::QueuedConnection);
 }
 
 CORBA::Boolean GUIManagerImpl::IsDialogActive(const char* dialog)
@@ -347,6 +374,15 @@ CORBA::Boolean GUIManagerImpl::IsDialogActive(const char* dialog)
     try {
         if (!serving("IsDialogActive"))
             return false;
+        std::shared_ptr<const OpenDialogRecord> record;
+        {
+            std::lock_guard<std::mutex> lock(m_recordMutex);
+            record = m_dialogRecord;
+        }
+        // The record is current only once the receiver has taken every dialog request
+        // sent before; until then the question queues behind them.
+        if (record && m_queuedRequests.load(std::memory_order_acquire) == 0)
+            return record->isOpen(incoming(dialog, "IsDialogActive"));
         emit isDialogActive(incoming(dialog, "IsDialogActive"));
     } catch (...) {
         CorbaFailure::logException(sourceFile, "IsDialogActive", __LINE__);

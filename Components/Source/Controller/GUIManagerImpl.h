@@ -16,8 +16,11 @@
 #include <QStringList>
 
 #include <atomic>
+#include <memory>
+#include <mutex>
 
 class ContainerImpl;
+class OpenDialogRecord;
 class QWidget;
 
 namespace Lumaro {
@@ -60,6 +63,10 @@ public:
     /// Called in the GUI thread; a second call does nothing.
     void shutdown();
     bool isShutDown() const { return m_shutDown.load(std::memory_order_acquire); }
+
+    /// Answers IsDialogActive from \a record, on the ORB thread, instead of asking the
+    /// receiver through isDialogActive(); null goes back to asking.
+    void setDialogRecord(std::shared_ptr<const OpenDialogRecord> record);
 
     CORBA::Long DisplayAlert(const char* msg) override;
     CORBA::Long DisplayDialog(const char* title, const char* msg, const char* button, CORBA::Boolean wait) override;
@@ -144,6 +151,12 @@ private:
     QString responsePath() const;
     QString responseFilename() const;
 
+    // A dialog request or close sent to the receiver without waiting for it.
+    void noteQueuedRequest();
+
+    mutable std::mutex m_recordMutex;
+    std::atomic<int> m_queuedRequests{0};
+    std::shared_ptr<const OpenDialogRecord> m_dialogRecord;
     std::atomic<bool> m_responseReceived{false};
     std::atomic<CORBA::Long> m_responseCode{0};
     // The answer texts are written in the GUI thread whenever the user answers a dialog

@@ -6,6 +6,7 @@
 #include "GUIManagerServer.h"
 #include "GlobalImpl.h"
 #include "MenuBar.h"
+#include "OpenDialogRecord.h"
 #include "PushButtonImpl.h"
 #include "VerticalScrollBarImpl.h"
 
@@ -68,6 +69,7 @@ GUIManagerReceiver* GUIManagerReceiver::install(GUIManagerServer* server, QWidge
 
 GUIManagerReceiver::GUIManagerReceiver(QWidget* desktop)
     : m_desktop(desktop)
+    , m_record(std::make_shared<OpenDialogRecord>())
 {
     setObjectName(QStringLiteral("GUIManagerReceiver"));
     // Dialogs still open when the desktop closes are cancelled, so that their callers return.
@@ -109,6 +111,12 @@ void GUIManagerReceiver::connectTo(Lumaro::gui::GUIManagerImpl* manager)
     connect(manager, &Manager::moveScreen, this, &GUIManagerReceiver::moveScreen);
     connect(manager, &Manager::setScreenState, this, &GUIManagerReceiver::setScreenState);
     connect(manager, &Manager::showMenuBar, this, &GUIManagerReceiver::showMenuBar);
+    manager->setDialogRecord(m_record);
+}
+
+std::shared_ptr<const OpenDialogRecord> GUIManagerReceiver::openDialogRecord() const
+{
+    return m_record;
 }
 
 QList<ContainerDialog*> GUIManagerReceiver::dialogs() const
@@ -264,6 +272,9 @@ ContainerDialog* GUIManagerReceiver::open(const Request& request, bool wait)
     }
 
     m_dialogs.append(dialog);
+    m_record->enter(dialog, request.title);
+    // A dialog deleted by someone else leaves the record as well.
+    connect(dialog, &QObject::destroyed, [record = m_record, dialog] { record->remove(dialog); });
     qDebug() << "UserInterface - GUIManager receiver - remote dialog shown:" << forLog(request.title);
     if (!wait) {
         // Nobody waits in exec(): a press answers and closes the dialog here.
@@ -416,6 +427,7 @@ void GUIManagerReceiver::answer(ContainerDialog* dialog, long code)
 void GUIManagerReceiver::forget(ContainerDialog* dialog)
 {
     m_dialogs.removeAll(dialog);
+    m_record->remove(dialog);
     // The next alert opens a box of its own, even before this one is deleted.
     if (dialog == m_alertBox)
         m_alertBox = nullptr;

@@ -9,9 +9,12 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
 class ContainerDialog;
 class ContainerImpl;
 class GUIManagerServer;
+class OpenDialogRecord;
 class QLabel;
 class QWidget;
 
@@ -56,8 +59,11 @@ public:
     ~GUIManagerReceiver() override;
 
     /// Connects every signal of \a manager to its slot here; those whose call waits for
-    /// the answer with a blocking queued connection.
+    /// the answer with a blocking queued connection. \a manager answers IsDialogActive
+    /// from this receiver's record of open dialogs from then on.
     void connectTo(Lumaro::gui::GUIManagerImpl* manager);
+    /// The titles of the open dialogs, for any thread.
+    std::shared_ptr<const OpenDialogRecord> openDialogRecord() const;
 
     /// The open dialogs, oldest first; the alert box among them.
     QList<ContainerDialog*> dialogs() const;
@@ -132,6 +138,7 @@ private:
 
     QPointer<QWidget> m_desktop;
     QList<QPointer<ContainerDialog>> m_dialogs;
+    std::shared_ptr<OpenDialogRecord> m_record;
     QPointer<ContainerDialog> m_alertBox;
     int m_alertCount = 0;
 };
