@@ -19,6 +19,19 @@ using Options = QList<QPair<const char*, QString>>;
 Q_DECLARE_METATYPE(Qt::AlignmentFlag)
 Q_DECLARE_METATYPE(Options)
 
+// An entry the host adds, or removes when `removes` is set.
+struct Step
+{
+    QString menu;
+    QString subMenu;
+    QString label;
+    int priority = 0;
+    int position = 0;
+    bool removes = false;
+};
+using Steps = QVector<Step>;
+Q_DECLARE_METATYPE(Steps)
+
 namespace {
 
 QStringList texts(const QList<QPushButton*>& buttons)
@@ -38,6 +51,29 @@ QList<QPushButton*> entriesIn(const SubMenuBase* popUp)
             result.append(button);
     }
     return result;
+}
+
+// The bar as a user finds it: bar buttons in row order, a group with its sub-menu's
+// entries in (), a holder with its second-level entries in [].
+QString shapeOf(const MenuTestDesktop& desk)
+{
+    QStringList row;
+    for (const MenuItem* button : desk.row()) {
+        const SubMenu* sub = desk.bar->getSubMenus().value(button->getName());
+        if (!button->isCheckable() || !sub) {
+            row.append(button->text());
+            continue;
+        }
+        QStringList entries;
+        for (const QPushButton* entry : sub->buttons()) {
+            const SubSubMenu* nest = desk.bar->getSubSubMenus().value(button->getName() + '|' + entry->text());
+            entries.append(entry->isCheckable() && nest
+                               ? entry->text() + '[' + texts(entriesIn<SubSubMenuItem>(nest)).join(", ") + ']'
+                               : entry->text());
+        }
+        row.append(button->getName() + '(' + entries.join(", ") + ')');
+    }
+    return row.join(" | ");
 }
 
 // Counts calls of its slot.
@@ -62,6 +98,8 @@ private slots:
     void screenMapAnswersByKeyAndButton();
     void buildsMenusOfARealisticSet_data();
     void buildsMenusOfARealisticSet();
+    void shapesMenusAsEntriesComeAndGo_data();
+    void shapesMenusAsEntriesComeAndGo();
     void collapsesBackToSingleEntries();
     void hidesAndShowsSingleEntries();
     void rebuiltEntriesCallTheReceiver();
@@ -141,7 +179,7 @@ void TestMenuBuilding::buildsMenusOfARealisticSet()
 
     const QHash<QString, SubMenu*> subs = desk.bar->getSubMenus();
     QCOMPARE(subs.keys().size(), 2);
-    // The holder of "Spectrum" sorts by its entries' position, below "Scope".
+    // The holder of "Spectrum" takes the position of the entry that nested it: below "Scope".
     QCOMPARE(texts(subs.value(QStringLiteral("Analyzers"))->buttons()), QStringList({"Scope", "Spectrum"}));
     QCOMPARE(subs.value(QStringLiteral("Analyzers"))->buttons().first()->objectName(), QStringLiteral("Scope"));
     QCOMPARE(texts(subs.value(QStringLiteral("System"))->buttons()), QStringList({"Config", "Self Test"}));
@@ -153,27 +191,66 @@ void TestMenuBuilding::buildsMenusOfARealisticSet()
     QVERIFY(spectrum->getOwner()->isCheckable());
 }
 
+void TestMenuBuilding::shapesMenusAsEntriesComeAndGo_data()
+{
+    QTest::addColumn<Steps>("steps");
+    QTest::addColumn<QString>("shape");
+    // The group takes the row place of the button it replaces, and the rank of the
+    // entry that made it a group: a later menu of a rank in between goes after it.
+    QTest::newRow("group ranks as its second entry")
+        << Steps{{"Meters", "", "Power", 1}, {"Meters", "", "Voltage", 9}, {"Help", "", "Help", 5}}
+        << QStringLiteral("Meters(Power, Voltage) | Help");
+    QTest::newRow("holder placed as the entry that nests its name")
+        << Steps{{"Analyzers", "Spectrum", "Spectrum 1", 0, 5},
+                 {"Analyzers", "Scope", "Scope", 0, 3},
+                 {"Analyzers", "Spectrum", "Spectrum 2", 0, 1}}
+        << QStringLiteral("Analyzers(Scope, Spectrum[Spectrum 1, Spectrum 2])");
+    QTest::newRow("nested name outlives the other names")
+        << Steps{{"Analyzers", "Spectrum", "Spectrum 1"},
+                 {"Analyzers", "Scope", "Scope"},
+                 {"Analyzers", "Spectrum", "Spectrum 2"},
+                 {"Analyzers", "Scope", "Scope", 0, 0, true}}
+        << QStringLiteral("Analyzers(Spectrum[Spectrum 1, Spectrum 2])");
+}
+
+void TestMenuBuilding::shapesMenusAsEntriesComeAndGo()
+{
+    QFETCH(Steps, steps);
+    QFETCH(QString, shape);
+    MenuTestDesktop desk;
+    for (const Step& step : qAsConst(steps)) {
+        if (step.removes)
+            QVERIFY(desk.bar->removeMenuItem(step.menu, step.subMenu, step.label));
+        else
+            QVERIFY(desk.add(step.menu, step.subMenu, step.label, step.priority, step.position));
+        MenuTestDesktop::settle();
+    }
+    QCOMPARE(shapeOf(desk), shape);
+}
+
 void TestMenuBuilding::collapsesBackToSingleEntries()
 {
     MenuTestDesktop desk;
     desk.add(QStringLiteral("Analyzers"), QStringLiteral("Spectrum"), QStringLiteral("Spectrum 1"));
-    const QPointer<QPushButton> second =
-        desk.add(QStringLiteral("Analyzers"), QStringLiteral("Spectrum"), QStringLiteral("Spectrum 2"));
+    desk.add(QStringLiteral("Analyzers"), QStringLiteral("Spectrum"), QStringLiteral("Spectrum 2"));
     desk.add(QStringLiteral("Analyzers"), QStringLiteral("Scope"), QStringLiteral("Scope"));
     QCOMPARE(desk.bar->getSubSubMenus().size(), 1);
+    const QPointer<QPushButton> nested =
+        desk.bar->menuEntry(QStringLiteral("Analyzers"), QStringLiteral("Spectrum"), QStringLiteral("Spectrum 1"));
 
-    // The only other name goes: the nested entries come back into the sub-menu.
-    QVERIFY(desk.bar->removeMenuItem(QStringLiteral("Analyzers"), QStringLiteral("Scope"), QStringLiteral("Scope")));
+    // The nested name is down to one entry: it comes back into the sub-menu.
+    QVERIFY(desk.bar->removeMenuItem(QStringLiteral("Analyzers"), QStringLiteral("Spectrum"),
+                                     QStringLiteral("Spectrum 2")));
     QVERIFY(desk.bar->getSubSubMenus().isEmpty());
     SubMenu* sub = desk.bar->getSubMenus().value(QStringLiteral("Analyzers"));
-    QCOMPARE(texts(entriesIn<SubMenuItem>(sub)), QStringList({"Spectrum 1", "Spectrum 2"}));
-    QCOMPARE(sub->buttons().first()->objectName(), QStringLiteral("Spectrum"));
+    QCOMPARE(texts(entriesIn<SubMenuItem>(sub)), QStringList({"Scope", "Spectrum 1"}));
+    QCOMPARE(sub->buttons().last()->objectName(), QStringLiteral("Spectrum"));
     MenuTestDesktop::settle();
     QVERIFY(desk.desktop.findChildren<SubSubMenu*>().isEmpty());
-    QVERIFY(!second);
+    QVERIFY(!nested);
 
     // One entry left: it is the bar button again, and opens its screen.
-    delete desk.desktop.findChild<ContainerBase*>(QStringLiteral("Spectrum 2"));
+    delete desk.desktop.findChild<ContainerBase*>(QStringLiteral("Scope"));
     MenuTestDesktop::settle();
     QVERIFY(desk.bar->getSubMenus().isEmpty());
     QVERIFY(desk.desktop.findChildren<SubMenu*>().isEmpty());
@@ -359,7 +436,8 @@ void TestMenuBuilding::staysConsistentThroughSeededChurn()
             ++live;
             QCOMPARE(entry->text(), each.label);
         }
-        // Every button left stands for a live entry, at the level its counts ask for.
+        // Every button left stands for a live entry, at a level its counts allow: a name
+        // with two entries beside another name is nested, one with a single entry is not.
         int entries = 0;
         for (QPushButton* button : desk.desktop.findChildren<QPushButton*>()) {
             const bool plain = (qobject_cast<MenuItem*>(button) || qobject_cast<SubMenuItem*>(button))
@@ -378,8 +456,11 @@ void TestMenuBuilding::staysConsistentThroughSeededChurn()
             QCOMPARE(button->isCheckable(), count > 1);
             QCOMPARE(desk.bar->getSubMenus().contains(menu.key()), count > 1);
             for (auto name = menu.value().cbegin(); name != menu.value().cend(); ++name) {
-                const bool nested = menu.value().size() > 1 && name.value() > 1;
-                QCOMPARE(desk.bar->getSubSubMenus().contains(menu.key() + '|' + name.key()), nested);
+                const bool nested = desk.bar->getSubSubMenus().contains(menu.key() + '|' + name.key());
+                if (name.value() < 2)
+                    QVERIFY(!nested);
+                else if (menu.value().size() > 1)
+                    QVERIFY(nested);
             }
         }
         QCOMPARE(desk.desktop.findChildren<SubMenu*>().size(), desk.bar->getSubMenus().size());

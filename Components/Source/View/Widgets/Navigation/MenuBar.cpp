@@ -441,10 +441,11 @@ void MenuBar::checkNavArrows()
 
 // Entry bookkeeping.
 //
-// A menu's look follows from its counts alone: one entry is a bar button that opens its
+// A menu's look follows from its counts: one entry is a bar button that opens its
 // screen; two or more make the bar button a group button with a sub-menu; inside a
 // group, a sub-menu name gets a holder entry with a second-level pop-up when it has two
-// or more entries and the menu has more than one name. Every change of the counts
+// or more entries and the menu has more than one name, and keeps it until the name is
+// down to one entry. Every change of the counts
 // rebuilds just the entries whose level changes; a rebuilt entry keeps its key, its
 // screen, its receiver and its registrations under its new button.
 
@@ -502,8 +503,8 @@ QPushButton* MenuBar::addMenuItem(const QString& menu, const QString& subMenu, c
         entry = button;
     } else {
         if (!groupedMenus.contains(menu))
-            groupMenu(menu);
-        arrangeSubMenuNames(menu);
+            groupMenu(menu, position, priority);
+        nestSubMenuNames(menu, position);
         SubMenu* sub = subMenus.value(menu);
         if (SubSubMenu* nest = subSubMenus.value(nestKey(menu, subMenu))) {
             auto* nested = new SubSubMenuItem(nest, sub, shown, screen, position, receiver, slot, instNum);
@@ -573,11 +574,11 @@ void MenuBar::takeFromRow(const QObject* widget)
     itemFrame->adjustSize();
 }
 
-void MenuBar::groupMenu(const QString& menu)
+void MenuBar::groupMenu(const QString& menu, int position, int priority)
 {
     MenuItem* single = menuButtons.value(menu);
-    auto* group = new MenuItem(itemFrame, menu, menu, nullptr, single ? single->getPosition() : 0,
-                               single ? single->getPriority() : 0, nullptr, QString());
+    // The group stands where the single button stood, but ranks as the entry that made it.
+    auto* group = new MenuItem(itemFrame, menu, menu, nullptr, position, priority, nullptr, QString());
     putInRow(group, rowIndex(single));
     takeFromRow(single);
     groupedMenus.append(menu);
@@ -638,51 +639,57 @@ void MenuBar::ungroupMenu(const QString& menu)
     }
 }
 
-void MenuBar::arrangeSubMenuNames(const QString& menu)
+void MenuBar::nestSubMenuNames(const QString& menu, int holderPosition)
 {
     if (!groupedMenus.contains(menu))
         return;
     const QHash<QString, int> counts = subMenuCount.value(menu);
+    if (counts.size() < 2)
+        return;
     QStringList names = counts.keys();
-    const QString prefix = nestKey(menu, QString());
-    for (auto nest = subSubMenus.keyBegin(); nest != subSubMenus.keyEnd(); ++nest) {
-        if (nest->startsWith(prefix) && !names.contains(nest->mid(prefix.size())))
-            names.append(nest->mid(prefix.size()));
-    }
     names.sort();
     for (const QString& name : qAsConst(names)) {
-        const bool wanted = counts.size() >= 2 && counts.value(name) >= 2;
-        const bool nested = subSubMenus.contains(nestKey(menu, name));
-        if (wanted && !nested)
-            nestSubMenuName(menu, name);
-        else if (!wanted && nested)
-            flattenSubMenuName(menu, name);
+        if (counts.value(name) >= 2 && !subSubMenus.contains(nestKey(menu, name)))
+            nestSubMenuName(menu, name, holderPosition);
     }
 }
 
-void MenuBar::nestSubMenuName(const QString& menu, const QString& subMenu)
+void MenuBar::flattenSubMenuNames(const QString& menu)
+{
+    // A nested name stays nested until its own entries are down to one, whatever the
+    // other names of the menu do meanwhile.
+    const QHash<QString, int> counts = subMenuCount.value(menu);
+    const QString prefix = nestKey(menu, QString());
+    QStringList names;
+    for (auto nest = subSubMenus.keyBegin(); nest != subSubMenus.keyEnd(); ++nest) {
+        if (nest->startsWith(prefix) && counts.value(nest->mid(prefix.size())) < 2)
+            names.append(nest->mid(prefix.size()));
+    }
+    names.sort();
+    for (const QString& name : qAsConst(names))
+        flattenSubMenuName(menu, name);
+}
+
+void MenuBar::nestSubMenuName(const QString& menu, const QString& subMenu, int holderPosition)
 {
     SubMenu* sub = subMenus.value(menu);
     if (!sub)
         return;
     QList<SubMenuItem*> plain;
-    int position = 0;
     for (QPushButton* button : sub->buttons()) {
         auto* entry = qobject_cast<SubMenuItem*>(button);
-        if (entry && itemMenuName.contains(entry) && itemSubMenuName.value(entry) == subMenu) {
+        if (entry && itemMenuName.contains(entry) && itemSubMenuName.value(entry) == subMenu)
             plain.append(entry);
-            position = std::max(position, entry->getPosition());
-        }
     }
 
-    auto* holder = new SubMenuItem(sub, subMenu, nullptr, position, nullptr, QString(), 0);
+    auto* holder = new SubMenuItem(sub, subMenu, nullptr, holderPosition, nullptr, QString(), 0);
     disconnect(holder, &QPushButton::clicked, nullptr, nullptr);
     holder->setCheckable(true);
     auto* nest = new SubSubMenu(parentWidget(), holder);
     subSubMenus.insert(nestKey(menu, subMenu), nest);
     if (MenuItem* group = menuButtons.value(menu))
         connect(group, &MenuItem::moving, nest, &SubSubMenu::reposition);
-    sub->addMenuItem(holder, position);
+    sub->addMenuItem(holder, holderPosition);
 
     for (SubMenuItem* entry : qAsConst(plain)) {
         auto* moved = new SubSubMenuItem(nest, sub, entry->getLabel(), entry->getScreen(), entry->getPosition(),
@@ -838,7 +845,7 @@ void MenuBar::settleMenu(const QString& menu)
         return;
     }
     if (groupedMenus.contains(menu)) {
-        arrangeSubMenuNames(menu);
+        flattenSubMenuNames(menu);
         if (count == 1)
             ungroupMenu(menu);
     }

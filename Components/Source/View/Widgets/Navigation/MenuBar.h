@@ -159,10 +159,13 @@ private:
     void putInRow(MenuItem* button, int index);
     int rowIndex(const QObject* widget) const;
     void takeFromRow(const QObject* widget);
-    void groupMenu(const QString& menu);
+    void groupMenu(const QString& menu, int position, int priority);
     void ungroupMenu(const QString& menu);
-    void arrangeSubMenuNames(const QString& menu);
-    void nestSubMenuName(const QString& menu, const QString& subMenu);
+    // A holder made for a name takes \a holderPosition, the position of the entry
+    // whose arrival nests the name.
+    void nestSubMenuNames(const QString& menu, int holderPosition);
+    void flattenSubMenuNames(const QString& menu);
+    void nestSubMenuName(const QString& menu, const QString& subMenu, int holderPosition);
     void flattenSubMenuName(const QString& menu, const QString& subMenu);
     SubMenuItem* newSubMenuEntry(SubMenu* sub, const QString& subMenu, const QString& label, QFrame* screen,
                                  int position, QObject* receiver, const QString& slot, int instNum);
