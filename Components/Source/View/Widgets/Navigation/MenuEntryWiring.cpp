@@ -4,6 +4,7 @@
 #include "ContainerBase.h"
 #include "GlobalImpl.h"
 #include "MenuBar.h"
+#include "SubMenuBase.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -37,6 +38,27 @@ void followScreenSize(QPushButton* entry, QWidget* screen)
         return;
     QObject::connect(container, &ContainerBase::changeSize, entry,
                      [entry](const QString& size) { entry->setProperty("screenSize", size); });
+}
+
+void wirePopUpEntry(QPushButton* entry, QWidget* screen, SubMenuBase* subMenu, bool screenClosesSubMenu)
+{
+    if (!entry)
+        return;
+    if (!screen) {
+        if (ApplicationOptions::isHandheld())
+            QObject::connect(entry, &QPushButton::clicked, entry, [] { closeNavigationBar(); });
+        else if (subMenu)
+            QObject::connect(entry, &QPushButton::clicked, subMenu, &SubMenuBase::setClosed);
+        return;
+    }
+    const bool fullScreen = opensFullScreen(screen);
+    showOnClick(entry, screen, !fullScreen);
+    if (fullScreen)
+        QObject::connect(entry, &QPushButton::clicked, entry, [] { closeNavigationBar(); });
+    else if (screenClosesSubMenu && subMenu)
+        QObject::connect(entry, &QPushButton::clicked, subMenu, &SubMenuBase::setClosed);
+    followScreenSize(entry, screen);
+    QObject::connect(screen, &QObject::destroyed, entry, &QObject::deleteLater);
 }
 
 void connectReceiver(QPushButton* entry, QObject* receiver, const QString& slot)

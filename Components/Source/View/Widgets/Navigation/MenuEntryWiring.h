@@ -6,6 +6,7 @@
 class QObject;
 class QPushButton;
 class QWidget;
+class SubMenuBase;
 
 // How the entries of the navigation bar and its pop-ups reach the screens they open.
 // Internal to the library.
@@ -22,6 +23,13 @@ void showOnClick(QPushButton* entry, QWidget* screen, bool raise);
 /// announces ("Min", "Max", "Thumb"), for style sheets and for whoever watches the
 /// entry. Screens that are no container announce nothing.
 void followScreenSize(QPushButton* entry, QWidget* screen);
+
+/// Wires what a tap on \a entry, an entry of a pop-up, does. With \a screen: shows it,
+/// and closes the bar when the screen fills the display, or else raises it and, when
+/// \a screenClosesSubMenu is set, closes \a subMenu; the entry follows the screen's
+/// size and goes with the screen. Without a screen: closes the bar on a handheld,
+/// \a subMenu elsewhere.
+void wirePopUpEntry(QPushButton* entry, QWidget* screen, SubMenuBase* subMenu, bool screenClosesSubMenu);
 
 /// Connects \a entry's clicked() to \a slot (a slot signature as SLOT() gives it) of
 /// \a receiver; logs a slot that \a receiver does not have.

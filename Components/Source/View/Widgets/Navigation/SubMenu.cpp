@@ -122,12 +122,7 @@ void SubMenu::addMenuItem(QWidget* entry, int position)
         const bool fitsAfter = index + 1 == itemLayout->count() || positionAt(index + 1) <= own;
         positionsDescending = qobject_cast<SubMenuItem*>(entry) && fitsBefore && fitsAfter;
     }
-    if (isVisible())
-        resizeSubMenu();
-    else
-        fitWhenIdle();
-    connect(entry, &QObject::destroyed, this, [this] { fitWhenIdle(); });
-    connect(entry, &QObject::destroyed, this, &SubMenuBase::setClosed);
+    adoptEntry(entry);
 }
 
 int SubMenu::positionAt(int index) const
@@ -159,18 +154,6 @@ int SubMenu::insertionIndex(int position) const
             return index;
     }
     return count;
-}
-
-void SubMenu::removeMenuItem(QWidget* entry)
-{
-    if (!entry || itemLayout->indexOf(entry) < 0)
-        return;
-    itemLayout->removeWidget(entry);
-    disconnect(entry, nullptr, this, nullptr);
-    if (isVisible())
-        resizeSubMenu();
-    else
-        fitWhenIdle();
 }
 
 void SubMenu::resizeSubMenu()

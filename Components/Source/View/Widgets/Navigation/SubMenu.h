@@ -24,8 +24,6 @@ public:
     /// Position 0 appends \a entry; any other puts it before the first entry of a lower
     /// position (higher positions first, equal ones in the order they came).
     void addMenuItem(QWidget* entry, int position) override;
-    /// Takes \a entry out of the list without deleting it.
-    virtual void removeMenuItem(QWidget* entry);
 
     ScrollableMenuBarFrame* getContentFrame() const { return contentFrame; }
     QScrollArea* getScrollArea() const { return scrollArea; }

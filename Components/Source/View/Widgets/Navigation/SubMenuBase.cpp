@@ -61,6 +61,30 @@ void SubMenuBase::fitWhenIdle()
         Qt::QueuedConnection);
 }
 
+void SubMenuBase::refit()
+{
+    if (isVisible())
+        fitToEntries();
+    else
+        fitWhenIdle();
+}
+
+void SubMenuBase::adoptEntry(QWidget* entry)
+{
+    refit();
+    connect(entry, &QObject::destroyed, this, [this] { fitWhenIdle(); });
+    connect(entry, &QObject::destroyed, this, &SubMenuBase::setClosed);
+}
+
+void SubMenuBase::removeMenuItem(QWidget* entry)
+{
+    if (!entry || itemLayout->indexOf(entry) < 0)
+        return;
+    itemLayout->removeWidget(entry);
+    disconnect(entry, nullptr, this, nullptr);
+    refit();
+}
+
 void SubMenuBase::insertEntry(int index, QWidget* entry)
 {
     itemLayout->insertWidget(index, entry);

@@ -27,6 +27,8 @@ public:
 
     /// Adds \a entry to the list; what \a position means is the pop-up's choice.
     virtual void addMenuItem(QWidget* entry, int position) = 0;
+    /// Takes \a entry out of the list without deleting it.
+    virtual void removeMenuItem(QWidget* entry);
     /// The button that opens the pop-up; null once it is gone.
     QPushButton* getOwner() const { return owner; }
     /// The entries in list order, without spacers.
@@ -51,6 +53,11 @@ protected slots:
 protected:
     /// Fits the pop-up to its entries now.
     virtual void fitToEntries() = 0;
+    /// Fits the pop-up to its entries now when it is open, otherwise when idle.
+    void refit();
+    /// The last step of addMenuItem, once \a entry is in the list: the pop-up fits
+    /// itself to it, and refits and closes when it goes.
+    void adoptEntry(QWidget* entry);
     /// Fits the pop-up to its entries once control is back in the event loop, once for
     /// any number of changes meanwhile: a closed pop-up is fitted again when it opens.
     void fitWhenIdle();

@@ -39,24 +39,10 @@ SubMenuItem::SubMenuItem(SubMenu* menu, const QString& label, QFrame* screen, in
     setFocusPolicy(Qt::NoFocus);
     setFixedHeight(50);
 
-    if (screen) {
-        if (MenuEntryWiring::opensFullScreen(screen)) {
-            MenuEntryWiring::showOnClick(this, screen, false);
-            connect(this, &QPushButton::clicked, this, &SubMenuItem::closeTopNav);
-        } else {
-            MenuEntryWiring::showOnClick(this, screen, true);
-            if (menu)
-                connect(this, &QPushButton::clicked, menu, &SubMenuBase::setClosed);
-        }
-        if (auto* container = qobject_cast<ContainerBase*>(screen))
-            connect(container, &ContainerBase::WindowClosed, this, &SubMenuItem::setClosed);
-        MenuEntryWiring::followScreenSize(this, screen);
-        connect(screen, &QObject::destroyed, this, &QObject::deleteLater);
-    } else if (ApplicationOptions::isHandheld()) {
-        connect(this, &QPushButton::clicked, this, &SubMenuItem::closeTopNav);
-    } else if (menu) {
-        connect(this, &QPushButton::clicked, menu, &SubMenuBase::setClosed);
-    }
+    // Opening a screen in a window closes the sub-menu too.
+    MenuEntryWiring::wirePopUpEntry(this, screen, menu, true);
+    if (auto* container = qobject_cast<ContainerBase*>(screen))
+        connect(container, &ContainerBase::WindowClosed, this, &SubMenuItem::setClosed);
     if (menu)
         connect(this, &SubMenuItem::opened, menu, &SubMenu::closeOtherSubSubMenus);
     connect(this, &QAbstractButton::toggled, this, &SubMenuItem::toggledOn);

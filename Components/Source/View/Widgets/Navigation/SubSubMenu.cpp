@@ -60,24 +60,7 @@ void SubSubMenu::addMenuItem(QWidget* entry, int)
         insertEntry(itemLayout->count(), spacer);
     }
     insertEntry(itemLayout->count(), entry);
-    if (isVisible())
-        resizeSubMenu();
-    else
-        fitWhenIdle();
-    connect(entry, &QObject::destroyed, this, [this] { fitWhenIdle(); });
-    connect(entry, &QObject::destroyed, this, &SubMenuBase::setClosed);
-}
-
-void SubSubMenu::removeMenuItem(QWidget* entry)
-{
-    if (!entry || itemLayout->indexOf(entry) < 0)
-        return;
-    itemLayout->removeWidget(entry);
-    disconnect(entry, nullptr, this, nullptr);
-    if (isVisible())
-        resizeSubMenu();
-    else
-        fitWhenIdle();
+    adoptEntry(entry);
 }
 
 void SubSubMenu::resizeSubMenu()

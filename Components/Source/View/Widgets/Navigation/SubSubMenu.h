@@ -24,9 +24,6 @@ public:
     /// Appends \a entry, after a thin "spacer" line when there are entries already;
     /// \a position is not used at this level.
     void addMenuItem(QWidget* entry, int position) override;
-    /// Takes \a entry (and a spacer it leaves dangling) out of the list without
-    /// deleting it.
-    virtual void removeMenuItem(QWidget* entry);
     /// The tab between holder and pop-up; made when the pop-up first opens.
     QFrame* getConnector() const { return connector; }
 

@@ -1,6 +1,5 @@
 #include "SubSubMenuItem.h"
 
-#include "ApplicationOptions.h"
 #include "MenuEntryWiring.h"
 #include "SubMenu.h"
 #include "SubSubMenu.h"
@@ -19,18 +18,8 @@ SubSubMenuItem::SubSubMenuItem(SubSubMenu* menu, SubMenu* subMenu, const QString
 {
     setObjectName(QStringLiteral("SubSubMenuItem"));
     setFocusPolicy(Qt::NoFocus);
-    if (screen) {
-        const bool fullScreen = MenuEntryWiring::opensFullScreen(screen);
-        MenuEntryWiring::showOnClick(this, screen, !fullScreen);
-        if (fullScreen)
-            connect(this, &QPushButton::clicked, this, [] { MenuEntryWiring::closeNavigationBar(); });
-        MenuEntryWiring::followScreenSize(this, screen);
-        connect(screen, &QObject::destroyed, this, &QObject::deleteLater);
-    } else if (ApplicationOptions::isHandheld()) {
-        connect(this, &QPushButton::clicked, this, [] { MenuEntryWiring::closeNavigationBar(); });
-    } else if (subMenu) {
-        connect(this, &QPushButton::clicked, subMenu, &SubMenuBase::setClosed);
-    }
+    // A screen opened from the second level leaves the pop-ups open.
+    MenuEntryWiring::wirePopUpEntry(this, screen, subMenu, false);
 }
 
 void SubSubMenuItem::setText(const QString& text)
