@@ -1,0 +1,270 @@
+// The bound widgets against a real omniNames and the engine simulator: binding by name,
+// the overlay following the engine's lock (throttled by the update delay), a refused and
+// a granted lock on a touch, a lost engine, and a push button's Set reaching the engine
+// with this user interface's locker id, from the pool.
+
+#include "LogCapture.h"
+#include "SimulatorSession.h"
+
+#include "ApplicationOrb.h"
+#include "DDS_BaseObj.h"
+#include "Locker.h"
+#include "PushButtonImpl.h"
+#include "QTZStatusBar.h"
+#include "TopicPublisher.h"
+
+#include <OrvanthTopicsPubSubTypes.h>
+
+#include <QPushButton>
+#include <QtTest>
+
+#include <memory>
+
+using Lumaro::gui::PushButtonImpl;
+
+namespace {
+
+const QString action = QStringLiteral("RUNACTION1");
+const QString held = QStringLiteral("LOCK RUNACTION1 held");
+const QString freed = QStringLiteral("LOCK RUNACTION1 free");
+
+// A push button in a module window as the widgets find it: marked "TopContainerObject", with a title.
+struct ModuleWindow
+{
+    explicit ModuleWindow(int updateDelay = 0)
+    {
+        window.setObjectName(QStringLiteral("TopContainerObject"));
+        window.setWindowTitle(QStringLiteral("Sweep"));
+        window.resize(300, 200);
+        button = new PushButtonImpl(&window);
+        button->setGeometry(20, 20, 160, 80);
+        button->setUpdateDelay(updateDelay);
+        window.show();
+    }
+
+    bool bind(const QString& name)
+    {
+        QSignalSpy finished(button, &WidgetBaseImpl::bindingFinished);
+        button->setAttributeName(name);
+        button->bindAttributeByName();
+        return (!finished.isEmpty() || finished.wait(10000)) && finished.last().at(0).toBool();
+    }
+
+    void touch() { QTest::mouseClick(button, Qt::LeftButton, Qt::NoModifier, QPoint(10, 10)); }
+
+    QWidget window;
+    PushButtonImpl* button;
+};
+
+} // namespace
+
+class TestBoundWidgets : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanup();
+    void cleanupTestCase();
+
+    void bindsByNameAndFollowsTheEnginesLock();
+    void showsTheLastLockStateAfterOneUpdateDelay();
+    void touchIsRefusedWhileAnotherHoldsTheLock();
+    void lostEngineUnbindsAndShowsLocked();
+    void pressSendsSetWithOurLockerId_data();
+    void pressSendsSetWithOurLockerId();
+
+private:
+    NamingServiceProcess m_naming;
+};
+
+void TestBoundWidgets::initTestCase()
+{
+    QVERIFY(m_naming.start());
+    qApp->setProperty("-ORBInitRef", QStringLiteral("NameService=") + m_naming.corbaname());
+    ApplicationOrb::start();
+}
+
+void TestBoundWidgets::cleanup()
+{
+    if (GlobalImpl* registry = GlobalImpl::existingInstance())
+        registry->releaseEntryMechanism(registry->entryMechanism());
+}
+
+void TestBoundWidgets::cleanupTestCase()
+{
+    QThreadPool::globalInstance()->waitForDone();
+    delete GlobalImpl::existingInstance();
+    ORB_base::destroyProcessOrb();
+    Orvanth::DDS_BaseObj::shutdownDds();
+    m_naming.stop();
+}
+
+void TestBoundWidgets::bindsByNameAndFollowsTheEnginesLock()
+{
+    SimulatorSession engine;
+    QVERIFY(engine.start(m_naming, {"--lock-toggle", "0.4"}));
+    ModuleWindow host;
+    // A name no module has leaves the widget unbound; rebound to one the engine has, it works.
+    QVERIFY(!host.bind(QStringLiteral("NOSUCHATTRIBUTE1")));
+    QVERIFY(!host.button->hasReading());
+    QVERIFY(host.bind(action));
+    QVERIFY(host.button->isBound());
+    // Each take and each release by the engine's own locker reaches the overlay.
+    QPushButton* overlay = host.button->lockOverlay();
+    for (bool locked : {true, false, true}) {
+        QTRY_COMPARE_WITH_TIMEOUT(overlay->isVisible(), locked, 5000);
+        QCOMPARE(host.button->isLocked(), locked);
+    }
+    QVERIFY(engine.count(held) >= 2 && engine.count(freed) >= 1);
+}
+
+void TestBoundWidgets::showsTheLastLockStateAfterOneUpdateDelay()
+{
+    SimulatorSession engine;
+    QVERIFY(engine.start(m_naming));
+    ModuleWindow host(800);
+    QVERIFY(host.bind(action));
+    QSignalSpy shown(host.button, &WidgetBaseImpl::SetLocked);
+    // Another user interface takes the lock: the first notice is handled at once.
+    Orvanth::Locker other;
+    Orvanth::EngineAttribBase_var attribute = engine.attribute(action);
+    Orvanth::Lock_Authority_var authority = other.LockAuthority();
+    CORBA::Long handle = attribute->Lock(authority.in());
+    QTRY_VERIFY_WITH_TIMEOUT(host.button->lockOverlay()->isVisible(), 5000);
+    // A release and a take within the same delay: held back until it ends, then shown as they stand.
+    attribute->Unlock(other.MyLockerID(), handle);
+    handle = attribute->Lock(authority.in());
+    QVERIFY(engine.waitForLine(held, 2));
+    QTest::qWait(1300);
+    QVERIFY(host.button->lockOverlay()->isVisible());
+    QCOMPARE(shown.count(), 1);
+    attribute->Unlock(other.MyLockerID(), handle);
+}
+
+void TestBoundWidgets::touchIsRefusedWhileAnotherHoldsTheLock()
+{
+    SimulatorSession engine;
+    QVERIFY(engine.start(m_naming));
+    Orvanth::Locker other;
+    Orvanth::EngineAttribBase_var attribute = engine.attribute(action);
+    Orvanth::Lock_Authority_var authority = other.LockAuthority();
+    const CORBA::Long handle = attribute->Lock(authority.in());
+    ModuleWindow host;
+    QVERIFY(host.bind(action));
+    QVERIFY(host.button->lockOverlay()->isVisible());
+    QSignalSpy entry(host.button, &WidgetBaseImpl::DisplayEntryMechanism);
+    LogCapture log;
+    host.touch();
+    QTRY_VERIFY_WITH_TIMEOUT(log.contains(QStringLiteral("UserInterface - Unable to obtain Lock for \"RUNACTION1\"")), 5000);
+    QVERIFY(entry.isEmpty());
+    QVERIFY(!GlobalImpl::getInstance()->entryMechanism());
+    QVERIFY(host.button->isBound());
+
+    // Given back, the lock is ours on the next touch: taken for the entry, then handed
+    // straight back, as a button's entry is its press.
+    attribute->Unlock(other.MyLockerID(), handle);
+    QTRY_VERIFY_WITH_TIMEOUT(!host.button->lockOverlay()->isVisible(), 5000);
+    host.touch();
+    QVERIFY(entry.wait(5000));
+    QVERIFY(host.button->lockHandle() != 0);
+    QVERIFY(engine.waitForLine(held, 2));
+    QVERIFY(engine.waitForLine(freed, 2));
+    QVERIFY(!host.button->lockOverlay()->isVisible());
+}
+
+void TestBoundWidgets::lostEngineUnbindsAndShowsLocked()
+{
+    SimulatorSession engine;
+    QVERIFY(engine.start(m_naming));
+    QWidget desktop;
+    QTZStatusBar statusBar(&desktop);
+    GlobalImpl::getInstance()->setStatusBar(&statusBar);
+    ModuleWindow host;
+    ModuleWindow watcher;
+    QVERIFY(host.bind(action) && watcher.bind(action));
+    QSignalSpy posted(host.button, &WidgetBaseImpl::exceptionMessage);
+    QSignalSpy clicked(host.button, &PushButtonImpl::clicked);
+    // The engine dies: a press still returns at once, its Set fails on the pool.
+    engine.kill();
+    QElapsedTimer clock;
+    clock.start();
+    QTest::mouseClick(host.button->button(), Qt::LeftButton);
+    QVERIFY2(clock.elapsed() < 200, qPrintable(QString::number(clock.elapsed())));
+    QCOMPARE(clicked.count(), 1);
+    QTRY_VERIFY_WITH_TIMEOUT(!posted.isEmpty(), 10000);
+    QVERIFY(!host.button->hasReading());
+    const QString message = posted.first().at(0).toString();
+    QVERIFY2(QRegularExpression(QStringLiteral("^CORBA::(TRANSIENT|COMM_FAILURE) RUNACTION1, disconnecting from "
+                                               "engine: Sweep$")).match(message).hasMatch(),
+             qPrintable(message));
+    QTRY_COMPARE(statusBar.lastText(), message);
+
+    // A lock notice that still comes (from another publisher of the topic) makes the
+    // other widget ask the engine, which fails: unbound and shown locked.
+    QSignalSpy watcherPosted(watcher.button, &WidgetBaseImpl::exceptionMessage);
+    Orvanth::TopicPublisher<Orvanth::TKWW_DDS::ATTR_VOIDPubSubType> notices("Lumaro/local/LOCK/RUNACTION1");
+    QVERIFY(notices.waitForSubscribers(1, std::chrono::seconds(5)));
+    QVERIFY(notices.publish(Orvanth::TKWW_DDS::ATTR_VOID()));
+    QTRY_VERIFY_WITH_TIMEOUT(!watcherPosted.isEmpty(), 10000);
+    QVERIFY(!watcher.button->hasReading());
+    QVERIFY(watcher.button->isLocked());
+    QVERIFY(watcher.button->lockOverlay()->isVisible());
+}
+
+void TestBoundWidgets::pressSendsSetWithOurLockerId_data()
+{
+    QTest::addColumn<QString>("holder");
+    QTest::newRow("free") << QString();
+    QTest::newRow("held by this user interface") << QStringLiteral("us");
+    QTest::newRow("held by another locker") << QStringLiteral("other");
+    QTest::newRow("entry slot held by another widget") << QStringLiteral("entry");
+}
+
+void TestBoundWidgets::pressSendsSetWithOurLockerId()
+{
+    QFETCH(QString, holder);
+    SimulatorSession engine;
+    QVERIFY(engine.start(m_naming));
+    ModuleWindow host;
+    host.button->setButtonObjectName(QStringLiteral("RunButton"));
+    QVERIFY(host.bind(action));
+    Orvanth::EngineAttribBase_var attribute = engine.attribute(action);
+    Orvanth::Locker other;
+    Orvanth::Lock_Authority_var otherAuthority = other.LockAuthority();
+    const bool ours = holder == QLatin1String("us");
+    CORBA::Long handle = 0;
+    if (ours || holder == QLatin1String("other"))
+        handle = attribute->Lock(ours ? GlobalImpl::getInstance()->getLockAuthority() : otherAuthority.in());
+    QWidget editor;
+    if (holder == QLatin1String("entry"))
+        GlobalImpl::getInstance()->setEntryMechanism(&editor);
+
+    QSignalSpy pressed(host.button, &PushButtonImpl::buttonPressed);
+    QSignalSpy posted(host.button, &WidgetBaseImpl::exceptionMessage);
+    QTest::mouseClick(host.button->button(), Qt::LeftButton);
+    QThreadPool::globalInstance()->waitForDone();
+    if (holder == QLatin1String("entry")) {
+        // A bound button ignores a press while another widget takes an entry.
+        QVERIFY(pressed.isEmpty());
+        QCOMPARE(engine.count(QStringLiteral("ACTION RUNACTION1")), 0);
+        return;
+    }
+    QCOMPARE(pressed.count(), 1);
+    QCOMPARE(pressed.first().at(0).toString(), QStringLiteral("RunButton"));
+    if (holder == QLatin1String("other")) {
+        QTRY_COMPARE_WITH_TIMEOUT(posted.count(), 1, 5000);
+        QCOMPARE(posted.first().at(0).toString(), QStringLiteral("RUNACTION1 threw an exception while sending notify event"));
+        QCOMPARE(engine.count(QStringLiteral("ACTION RUNACTION1")), 0);
+        QVERIFY(host.button->isBound());
+        attribute->Unlock(other.MyLockerID(), handle);
+    } else {
+        QVERIFY(engine.waitForLine(QStringLiteral("ACTION RUNACTION1")));
+        QVERIFY(posted.isEmpty());
+    }
+    if (ours)
+        attribute->Unlock(GlobalImpl::getInstance()->getLockerID(), handle);
+}
+
+QTEST_MAIN(TestBoundWidgets)
+#include "tst_boundwidgets.moc"
