@@ -19,7 +19,8 @@
 #include "ORB_base.h"
 #include "OrvanthNames.h"
 
-#include "BenchProcess.h"
+#include "ChildProcess.h"
+#include "NamingServiceProcess.h"
 
 #include <Orvanth.hh>
 #include <omniORB4/Naming.hh>
@@ -113,35 +114,20 @@ int main(int argc, char* argv[])
         }
     }
 
-    QTemporaryDir namingData;
-    const quint16 port = BenchProcess::freeLoopbackPort();
-    const QString portText = QString::number(port);
-    const QString initRef = QStringLiteral("NameService=corbaname::127.0.0.1:") + portText;
-    QProcess namingService;
-    namingService.setStandardOutputFile(QProcess::nullDevice());
-    namingService.setStandardErrorFile(QProcess::nullDevice());
-    namingService.start(QStringLiteral(TZ_OMNINAMES),
-                        {"-start", portText, "-datadir", namingData.path(), "-ORBendPoint",
-                         "giop:tcp:127.0.0.1:" + portText});
-    if (!namingData.isValid() || port == 0 || !BenchProcess::waitForPort(port, 10000)) {
+    NamingServiceProcess namingService;
+    if (!namingService.start()) {
         std::fprintf(stderr, "omniNames did not start\n");
         return 1;
     }
-    QProcess simulator;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("ORBInitRef"), initRef);
-    simulator.setProcessEnvironment(environment);
-    simulator.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    simulator.start(QStringLiteral(TZ_ENGINE_SIMULATOR),
-                    {"--modules", QString::number(modules), "--events-per-second", "0"});
-    if (!BenchProcess::waitForLine(simulator, "READY", 30000)) {
+    ChildProcess simulator;
+    if (!simulator.start(QStringLiteral(TZ_ENGINE_SIMULATOR),
+                         {"--modules", QString::number(modules), "--events-per-second", "0"},
+                         namingService.childEnvironment(), QStringLiteral("READY"), 30000)) {
         std::fprintf(stderr, "the engine simulator did not start\n");
-        BenchProcess::stop(simulator);
-        BenchProcess::stop(namingService);
         return 1;
     }
 
-    application.setProperty("-ORBInitRef", initRef);
+    application.setProperty("-ORBInitRef", namingService.orbArguments().last());
     CORBA::ORB_ptr orb = ApplicationOrb::start();
     qInstallMessageHandler(discardMessages);
 
@@ -205,8 +191,8 @@ int main(int argc, char* argv[])
                 median(announcedMs) / std::max(1e-9, median(plainMs)));
 
     qInstallMessageHandler(nullptr);
-    BenchProcess::stop(simulator);
+    simulator.stop();
     ORB_base::destroyProcessOrb();
-    BenchProcess::stop(namingService);
+    namingService.stop();
     return status;
 }

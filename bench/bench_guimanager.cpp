@@ -19,7 +19,8 @@
 #include "OrvanthNames.h"
 #include "StopSignals.h"
 
-#include "BenchProcess.h"
+#include "ChildProcess.h"
+#include "NamingServiceProcess.h"
 
 #include <GUIManager.hh>
 #include <Orvanth.hh>
@@ -108,39 +109,26 @@ int main(int argc, char* argv[])
         }
     }
 
-    QTemporaryDir namingData;
-    const quint16 port = BenchProcess::freeLoopbackPort();
-    const QString portText = QString::number(port);
-    const QString initRef = QStringLiteral("NameService=corbaname::127.0.0.1:") + portText;
-    QProcess namingService;
-    namingService.setStandardOutputFile(QProcess::nullDevice());
-    namingService.setStandardErrorFile(QProcess::nullDevice());
-    namingService.start(QStringLiteral(TZ_OMNINAMES), {"-start", portText, "-datadir", namingData.path(),
-                                                       "-ORBendPoint", "giop:tcp:127.0.0.1:" + portText});
-    if (!namingData.isValid() || port == 0 || !BenchProcess::waitForPort(port, 10000)) {
+    NamingServiceProcess namingService;
+    if (!namingService.start()) {
         std::fprintf(stderr, "omniNames did not start\n");
         return 1;
     }
+    const QString initRef = namingService.orbArguments().last();
 
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("ORBInitRef"), initRef);
+    QProcessEnvironment environment = namingService.childEnvironment();
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     environment.insert(QStringLiteral("ORVANTH_DDS_DISABLE"), QStringLiteral("1"));
-    QProcess desktop;
-    desktop.setProcessEnvironment(environment);
-    desktop.setStandardOutputFile(QProcess::nullDevice());
-    desktop.setStandardErrorFile(QProcess::nullDevice());
-    desktop.start(host, {"-ORBInitRef", initRef, "-res", "800x480"});
-    QProcess nullServer;
-    nullServer.setProcessEnvironment(environment);
-    nullServer.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    nullServer.start(QCoreApplication::applicationFilePath(), {"--null-server"});
+    ChildProcess desktop;
+    desktop.start(host, {"-ORBInitRef", initRef, "-res", "800x480"}, environment, QString());
+    ChildProcess nullServer;
     auto stopAll = [&] {
-        BenchProcess::stop(nullServer);
-        BenchProcess::stop(desktop);
-        BenchProcess::stop(namingService);
+        nullServer.stop();
+        desktop.stop();
+        namingService.stop();
     };
-    if (!BenchProcess::waitForLine(nullServer, "READY", 30000)) {
+    if (!nullServer.start(QCoreApplication::applicationFilePath(), {"--null-server"}, environment, QStringLiteral("READY"),
+                          30000)) {
         std::fprintf(stderr, "the null-call server did not start\n");
         stopAll();
         return 1;

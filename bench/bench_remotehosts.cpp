@@ -18,7 +18,8 @@
 // the median and 99th percentile of each, in microseconds (discovery in milliseconds).
 // DDS domain from ORVANTH_DDS_DOMAIN (default 198 here, away from the tests' domains).
 
-#include "NetworkNamespaces.h"
+#include "ChildProcess.h"
+#include "NamingServiceProcess.h"
 
 #include "DDS_BaseObj.h"
 #include "DDS_Subscriber.h"
@@ -28,8 +29,6 @@
 #include "OrvanthNames.h"
 #include "StopSignals.h"
 #include "TopicPublisher.h"
-
-#include "BenchProcess.h"
 
 #include <OrvanthTopicsPubSubTypes.h>
 
@@ -241,51 +240,35 @@ Placement measure(NetworkNamespaces& network, bool remote, const Settings& setti
     else
         environment.insert(QStringLiteral("ORBInitRef"), QStringLiteral("NameService=corbaname::127.0.0.1:2809"));
 
-    QTemporaryDir namingData;
-    QProcess namingService;
-    namingService.setStandardOutputFile(QProcess::nullDevice());
-    namingService.setStandardErrorFile(QProcess::nullDevice());
-    namingService.start(network.wrapperProgram(),
-                        network.wrapperArguments(Side::Instrument, QStringLiteral(TZ_OMNINAMES),
-                                                 {"-start", "2809", "-datadir", namingData.path(), "-ORBendPoint",
-                                                  "giop:tcp:" + namingAddress + ":2809"}));
-    QProcess engine;
-    engine.setProcessEnvironment(environment);
-    engine.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    QProcess measuring;
-    measuring.setProcessEnvironment(environment);
-    measuring.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    NamingServiceProcess namingService;
+    ChildProcess engine;
+    ChildProcess measuring;
     const QString self = QCoreApplication::applicationFilePath();
-    QByteArray engineOutput;
-    QByteArray measureOutput;
-
-    // omniNames needs a moment before the engine binds; the engine retries nothing.
-    QThread::msleep(500);
-    engine.start(network.wrapperProgram(),
-                 network.wrapperArguments(remote ? Side::Engine : Side::Instrument, self, QStringList{"--engine"} + options));
-    if (!BenchProcess::waitForLine(engine, "READY", 30000, &engineOutput)) {
+    const Side engineSide = remote ? Side::Engine : Side::Instrument;
+    if (!namingService.start(network, Side::Instrument, namingAddress, 2809)) {
+        placement.failure = QStringLiteral("omniNames did not start");
+    } else if (!engine.start(network.wrapperProgram(), network.wrapperArguments(engineSide, self, QStringList{"--engine"} + options),
+                             environment, QStringLiteral("READY"), 30000)) {
         placement.failure = QStringLiteral("the engine process did not start");
     } else {
-        measuring.start(network.wrapperProgram(),
-                        network.wrapperArguments(Side::Instrument, self, QStringList{"--measure"} + options));
+        measuring.start(network.wrapperProgram(), network.wrapperArguments(Side::Instrument, self, QStringList{"--measure"} + options),
+                        environment, QString());
         const int budgetMs = settings.samples + 90000;
         QElapsedTimer clock;
         clock.start();
-        // Each process's pipe is read only while waiting on that process.
-        while (measuring.state() != QProcess::NotRunning && clock.elapsed() < budgetMs) {
-            measuring.waitForFinished(50);
-            engine.waitForReadyRead(50);
-            engineOutput += engine.readAllStandardOutput();
+        // Each process's pipe is read while waiting on the other.
+        while (measuring.isRunning() && clock.elapsed() < budgetMs) {
+            measuring.wait(50);
+            engine.output();
         }
-        measureOutput += measuring.readAllStandardOutput();
-        engine.waitForReadyRead(200);
-        engineOutput += engine.readAllStandardOutput();
-        if (measuring.state() != QProcess::NotRunning || measuring.exitCode() != 0)
+        if (measuring.wait(0) != 0)
             placement.failure = QStringLiteral("the measuring process failed");
     }
-    BenchProcess::stop(measuring);
-    BenchProcess::stop(engine);
-    BenchProcess::stop(namingService);
+    const QByteArray measureOutput = measuring.output().toUtf8();
+    const QByteArray engineOutput = engine.output().toUtf8();
+    measuring.stop();
+    engine.stop();
+    namingService.stop();
 
     QMap<QString, qint64> bound;
     for (const QByteArray& line : engineOutput.split('\n')) {

@@ -25,7 +25,8 @@
 #include "ORB_base.h"
 #include "WidgetBaseImpl.h"
 
-#include "BenchProcess.h"
+#include "ChildProcess.h"
+#include "NamingServiceProcess.h"
 
 #include <Orvanth.hh>
 #include <OrvanthTopicsPubSubTypes.h>
@@ -267,35 +268,21 @@ int main(int argc, char* argv[])
         }
     }
 
-    QTemporaryDir namingData;
-    const quint16 port = BenchProcess::freeLoopbackPort();
-    const QString portText = QString::number(port);
-    const QString initRef = QStringLiteral("NameService=corbaname::127.0.0.1:") + portText;
-    QProcess namingService;
-    namingService.setStandardOutputFile(QProcess::nullDevice());
-    namingService.setStandardErrorFile(QProcess::nullDevice());
-    namingService.start(QStringLiteral(TZ_OMNINAMES), {"-start", portText, "-datadir", namingData.path(),
-                                                        "-ORBendPoint", "giop:tcp:127.0.0.1:" + portText});
-    if (!namingData.isValid() || port == 0 || !BenchProcess::waitForPort(port, 10000)) {
+    NamingServiceProcess namingService;
+    if (!namingService.start()) {
         std::fprintf(stderr, "omniNames did not start\n");
         return 1;
     }
-    QProcess simulator;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("ORBInitRef"), initRef);
-    simulator.setProcessEnvironment(environment);
-    simulator.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    simulator.start(QStringLiteral(TZ_ENGINE_SIMULATOR), {"--modules", "1", "--events-per-second", "0"});
-    if (!BenchProcess::waitForLine(simulator, "READY", 30000)) {
+    // Its announcements of every lock change are read while the event loop runs, so its
+    // pipe never fills.
+    ChildProcess simulator;
+    if (!simulator.start(QStringLiteral(TZ_ENGINE_SIMULATOR), {"--modules", "1", "--events-per-second", "0"},
+                         namingService.childEnvironment(), QStringLiteral("READY"), 30000)) {
         std::fprintf(stderr, "the engine simulator did not start\n");
-        BenchProcess::stop(simulator);
-        BenchProcess::stop(namingService);
         return 1;
     }
-    // Its announcements of every lock change are read and dropped, so its pipe never fills.
-    QObject::connect(&simulator, &QProcess::readyReadStandardOutput, [&simulator] { simulator.readAllStandardOutput(); });
 
-    application.setProperty("-ORBInitRef", initRef);
+    application.setProperty("-ORBInitRef", namingService.orbArguments().last());
     ApplicationOrb::start();
     qInstallMessageHandler(discardMessages);
     GlobalImpl* registry = GlobalImpl::getInstance();
@@ -309,8 +296,6 @@ int main(int argc, char* argv[])
     }
     if (discovery->guiAbleLoaded() == 0) {
         std::fprintf(stderr, "no engine module found\n");
-        BenchProcess::stop(simulator);
-        BenchProcess::stop(namingService);
         return 1;
     }
     registry->setNamingService(discovery.get());
@@ -429,9 +414,9 @@ int main(int argc, char* argv[])
     QThreadPool::globalInstance()->waitForDone();
     delete GlobalImpl::existingInstance();
     discovery.reset();
-    BenchProcess::stop(simulator);
+    simulator.stop();
     ORB_base::destroyProcessOrb();
     Orvanth::DDS_BaseObj::shutdownDds();
-    BenchProcess::stop(namingService);
+    namingService.stop();
     return status;
 }

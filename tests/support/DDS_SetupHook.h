@@ -1,8 +1,8 @@
 #ifndef ORVANTH_DDS_SETUPHOOK_H
 #define ORVANTH_DDS_SETUPHOOK_H
 
-#include <boost/function.hpp>
-
+#include <functional>
+#include <mutex>
 #include <string>
 
 namespace Orvanth {
@@ -18,10 +18,28 @@ namespace Orvanth {
 class DDS_SetupHook
 {
 public:
-    static void set(boost::function<void(const std::string& topic)> hook);
-    static void clear();
-    /// Calls the hook, if any, on the calling (setup) thread.
-    static void run(const std::string& topic);
+    static void set(std::function<void(const std::string& topic)> hook)
+    {
+        std::lock_guard<std::mutex> lock(s_mutex);
+        s_hook = std::move(hook);
+    }
+
+    static void clear() { set({}); }
+
+    /// Calls the hook, if any, on the calling (setup) thread; without the lock, so that a
+    /// hook may block without blocking other setups.
+    static void run(const std::string& topic)
+    {
+        std::unique_lock<std::mutex> lock(s_mutex);
+        const std::function<void(const std::string&)> hook = s_hook;
+        lock.unlock();
+        if (hook)
+            hook(topic);
+    }
+
+private:
+    static inline std::mutex s_mutex;
+    static inline std::function<void(const std::string&)> s_hook;
 };
 
 } // namespace Orvanth

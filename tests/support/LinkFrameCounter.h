@@ -2,7 +2,6 @@
 #define LINKFRAMECOUNTER_H
 
 #include <QMutex>
-#include <QString>
 #include <QStringList>
 
 #include <atomic>
@@ -11,8 +10,8 @@
 /**
  * Counts the Ethernet frames that cross one network interface, both ways, through a raw
  * packet socket made in the calling thread's network namespace (needs CAP_NET_RAW).
- * Frames to a group address are multicast; broadcast is counted apart, as ARP asks that
- * way on every link. The first few multicast frames are described for a failure message.
+ * Frames to a group address are multicast; broadcast is not, as ARP asks that way on
+ * every link. The first few multicast frames are described for a failure message.
  */
 class LinkFrameCounter
 {
@@ -20,27 +19,21 @@ public:
     explicit LinkFrameCounter(const QString& interfaceName);
     ~LinkFrameCounter();
 
-    LinkFrameCounter(const LinkFrameCounter&) = delete;
-    LinkFrameCounter& operator=(const LinkFrameCounter&) = delete;
-
     /// Whether it counts; error() says why not.
     bool isCounting() const { return m_socket >= 0; }
     QString error() const { return m_error; }
 
     int frames() const { return m_frames; }
-    int broadcastFrames() const { return m_broadcast; }
     int multicastFrames() const { return m_multicast; }
-    QStringList multicastSamples() const;
+    QStringList multicastSamples() const { return QMutexLocker(&m_mutex), m_samples; }
 
 private:
-    void read();
     void count(const unsigned char* frame, long length);
 
     int m_socket = -1;
     QString m_error;
     std::atomic<bool> m_stopping{false};
     std::atomic<int> m_frames{0};
-    std::atomic<int> m_broadcast{0};
     std::atomic<int> m_multicast{0};
     mutable QMutex m_mutex;
     QStringList m_samples;

@@ -2,9 +2,7 @@
 #define LOGCAPTURE_H
 
 #include <QMutex>
-#include <QString>
 #include <QStringList>
-#include <QtGlobal>
 
 /**
  * Records every Qt message of the process while it exists (from any thread), in place
@@ -20,15 +18,13 @@ public:
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    QStringList lines() const;
+    QStringList lines() const { return QMutexLocker(&m_mutex), m_lines; }
     /// The lines that contain \a text.
-    QStringList linesContaining(const QString& text) const;
+    QStringList linesContaining(const QString& text) const { return lines().filter(text); }
     bool contains(const QString& text) const { return !linesContaining(text).isEmpty(); }
     void clear();
 
 private:
-    static void record(QtMsgType type, const QMessageLogContext& context, const QString& message);
-
     static LogCapture* s_current;
     QtMessageHandler m_previous;
     mutable QMutex m_mutex;

@@ -1,83 +1,57 @@
 #include "NamingServiceProcess.h"
 
 #include <QElapsedTimer>
-#include <QTcpServer>
 #include <QTcpSocket>
 #include <QThread>
 
-NamingServiceProcess::NamingServiceProcess() = default;
-
-NamingServiceProcess::~NamingServiceProcess()
-{
-    stop();
-}
-
-quint16 NamingServiceProcess::freeLoopbackPort()
-{
-    QTcpServer server;
-    if (!server.listen(QHostAddress::LocalHost, 0))
-        return 0;
-    return server.serverPort();
-}
+#include <atomic>
+#include <thread>
 
 bool NamingServiceProcess::start(int timeoutMs)
 {
-    if (!m_dataDir.isValid())
-        return false;
-    QElapsedTimer timer;
-    timer.start();
     // Another process may take the port between our probe and omniNames' bind: try a few.
-    for (int attempt = 0; attempt < 5 && timer.elapsed() < timeoutMs; ++attempt) {
+    for (int attempt = 0; attempt < 5; ++attempt) {
         m_port = freeLoopbackPort();
-        const QString port = QString::number(m_port);
-        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_process.setStandardOutputFile(QProcess::nullDevice());
-        m_process.start(QStringLiteral(TZ_OMNINAMES),
-                        {QStringLiteral("-start"), port, QStringLiteral("-datadir"), m_dataDir.path(),
-                         QStringLiteral("-ORBendPoint"), QStringLiteral("giop:tcp:127.0.0.1:") + port});
-        if (!m_process.waitForStarted(timeoutMs))
-            return false;
-        while (timer.elapsed() < timeoutMs && m_process.state() == QProcess::Running) {
-            QTcpSocket socket;
-            socket.connectToHost(QHostAddress::LocalHost, m_port);
-            if (socket.waitForConnected(200))
-                return true;
-            QThread::msleep(50);
-        }
-        stop();
+        if (launch(nullptr, NetworkNamespaces::Instrument, timeoutMs))
+            return true;
     }
     return false;
 }
 
-void NamingServiceProcess::stop()
+bool NamingServiceProcess::start(const NetworkNamespaces& network, NetworkNamespaces::Side side,
+                                 const QString& address, quint16 port, int timeoutMs)
 {
-    if (m_process.state() == QProcess::NotRunning)
-        return;
-    m_process.terminate();
-    if (!m_process.waitForFinished(5000)) {
-        m_process.kill();
-        m_process.waitForFinished(5000);
-    }
+    m_address = address;
+    m_port = port;
+    return launch(&network, side, timeoutMs);
 }
 
-QString NamingServiceProcess::corbaname() const
+bool NamingServiceProcess::launch(const NetworkNamespaces* network, NetworkNamespaces::Side side, int timeoutMs)
 {
-    return QStringLiteral("corbaname::127.0.0.1:%1").arg(m_port);
-}
-
-std::vector<std::string> NamingServiceProcess::orbOptions() const
-{
-    return {"-ORBInitRef", ("NameService=" + corbaname()).toStdString()};
-}
-
-QStringList NamingServiceProcess::orbArguments() const
-{
-    return {QStringLiteral("-ORBInitRef"), QStringLiteral("NameService=") + corbaname()};
-}
-
-QProcessEnvironment NamingServiceProcess::childEnvironment() const
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("ORBInitRef"), QStringLiteral("NameService=") + corbaname());
-    return environment;
+    const QString port = QString::number(m_port);
+    const QStringList arguments{"-start", port, "-datadir", m_dataDir.path(), "-ORBendPoint",
+                                QStringLiteral("giop:tcp:%1:%2").arg(m_address, port)};
+    const QString program = QStringLiteral(TZ_OMNINAMES);
+    if (!m_dataDir.isValid()
+        || !m_process.start(network ? network->wrapperProgram() : program,
+                            network ? network->wrapperArguments(side, program, arguments) : arguments,
+                            QProcessEnvironment::systemEnvironment(), QString(), timeoutMs))
+        return false;
+    // Asked from a thread in omniNames' own namespace.
+    std::atomic<bool> answers{false};
+    std::thread([&] {
+        QElapsedTimer clock;
+        clock.start();
+        if (network && !network->enter(side, nullptr))
+            return;
+        while (!answers && clock.elapsed() < timeoutMs) {
+            QTcpSocket socket;
+            socket.connectToHost(m_address, m_port);
+            if (!(answers = socket.waitForConnected(200)))
+                QThread::msleep(50);
+        }
+    }).join();
+    if (!answers)
+        stop();
+    return answers;
 }

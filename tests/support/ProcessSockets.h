@@ -23,7 +23,7 @@ public:
 
     static QList<Socket> of(qint64 pid);
     /// "udp 127.0.0.1:7410" for a failure message.
-    static QString describe(const Socket& socket);
+    static QString describe(const Socket& s) { return QStringLiteral("%1 %2:%3").arg(s.table, s.address).arg(s.port); }
 };
 
 #endif

@@ -17,12 +17,7 @@ template <class Value>
 class SampleCollector
 {
 public:
-    struct Delivery
-    {
-        Value value;
-        Qt::HANDLE thread;
-        qint64 atMs;
-    };
+    struct Delivery { Value value; Qt::HANDLE thread; qint64 atMs; };
 
     SampleCollector() { m_clock.start(); }
 
@@ -47,23 +42,19 @@ public:
     }
 
     int size() const { return int(deliveries().size()); }
-
-    bool contains(const Value& value) const
-    {
-        const std::vector<Value> all = values();
-        return std::find(all.begin(), all.end(), value) != all.end();
-    }
-
+    bool contains(const Value& value) const { return anyDelivery([&](const Delivery& d) { return d.value == value; }); }
     /// Whether a value came on the thread that made the collector, the test's own.
-    bool anyOnTestThread() const
-    {
-        const std::vector<Delivery> all = deliveries();
-        return std::any_of(all.begin(), all.end(), [this](const Delivery& d) { return d.thread == m_testThread; });
-    }
-
+    bool anyOnTestThread() const { return anyDelivery([this](const Delivery& d) { return d.thread == m_testThread; }); }
     qint64 elapsedMs() const { return m_clock.elapsed(); }
 
 private:
+    template <class Test>
+    bool anyDelivery(const Test& test) const
+    {
+        const std::vector<Delivery> all = deliveries();
+        return std::any_of(all.begin(), all.end(), test);
+    }
+
     QElapsedTimer m_clock;
     const Qt::HANDLE m_testThread = QThread::currentThreadId();
     mutable QMutex m_mutex;

@@ -35,10 +35,6 @@
 class SimulatorSession
 {
 public:
-    SimulatorSession() = default;
-    SimulatorSession(const SimulatorSession&) = delete;
-    SimulatorSession& operator=(const SimulatorSession&) = delete;
-
     ~SimulatorSession()
     {
         resume();
@@ -55,17 +51,13 @@ public:
                                    + arguments,
                                naming.childEnvironment()))
             return false;
+        // The subscriber lives while the test waits for its first sample.
         std::atomic<bool> heard{false};
-        {
-            Orvanth::DDS_Subscriber<bool> power(
-                Orvanth::Names::ExternalVoltageTopic, [&heard](const char*, CORBA::Boolean) { heard = true; }, 0, 0,
-                eprosima::fastdds::dds::VOLATILE_DURABILITY_QOS);
-            QElapsedTimer clock;
-            clock.start();
-            while (!heard && clock.elapsed() < 10000)
-                QTest::qWait(10);
-        }
-        if (!heard)
+        const bool found = (Orvanth::DDS_Subscriber<bool>(
+                                Orvanth::Names::ExternalVoltageTopic, [&heard](const char*, CORBA::Boolean) { heard = true; },
+                                0, 0, eprosima::fastdds::dds::VOLATILE_DURABILITY_QOS),
+                            QTest::qWaitFor([&heard] { return heard.load(); }, 10000));
+        if (!found)
             return false;
         m_discovery = std::make_unique<NamingServiceImpl>();
         m_discovery->initialize();
@@ -88,29 +80,17 @@ public:
     /// Waits (bounded) until the simulator has printed \a line \a times times.
     bool waitForLine(const QString& line, int times = 1, int timeoutMs = 5000)
     {
-        QElapsedTimer clock;
-        clock.start();
-        while (count(line) < times) {
-            if (clock.elapsed() > timeoutMs)
-                return false;
-            QTest::qWait(10);
-        }
-        return true;
+        return QTest::qWaitFor([&] { return count(line) >= times; }, timeoutMs);
     }
 
     /// SIGKILL: the engine is gone without unbinding anything.
     void kill() { ::kill(pid_t(m_simulator.pid()), SIGKILL); }
     /// SIGSTOP: the engine takes calls and answers none until resume().
-    void suspend()
-    {
-        ::kill(pid_t(m_simulator.pid()), SIGSTOP);
-        m_suspended = true;
-    }
+    void suspend() { m_suspended = ::kill(pid_t(m_simulator.pid()), SIGSTOP) == 0; }
     void resume()
     {
-        if (m_suspended)
+        if (std::exchange(m_suspended, false))
             ::kill(pid_t(m_simulator.pid()), SIGCONT);
-        m_suspended = false;
     }
 
 private:

@@ -5,7 +5,6 @@
 #include <QString>
 
 #include <iostream>
-#include <streambuf>
 #include <string>
 
 /// Collects what any thread writes to \a stream (std::cout or std::cerr) while it lives.
@@ -15,22 +14,14 @@ public:
     explicit StreamCapture(std::ostream& stream) : m_stream(stream), m_previous(stream.rdbuf(this)) {}
     ~StreamCapture() override { m_stream.rdbuf(m_previous); }
 
-    QString text()
-    {
-        QMutexLocker lock(&m_mutex);
-        return QString::fromStdString(m_text);
-    }
+    QString text() { return QMutexLocker(&m_mutex), QString::fromStdString(m_text); }
 
     int count(const QString& needle) { return text().count(needle); }
 
 protected:
     int_type overflow(int_type c) override
     {
-        if (c != traits_type::eof()) {
-            QMutexLocker lock(&m_mutex);
-            m_text.push_back(char(c));
-        }
-        return c;
+        return c == traits_type::eof() || xsputn(std::string(1, char(c)).data(), 1) ? c : traits_type::eof();
     }
 
     std::streamsize xsputn(const char* data, std::streamsize size) override

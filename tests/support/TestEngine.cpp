@@ -18,12 +18,10 @@
 
 #include <OrvanthTopicsPubSubTypes.h>
 
+#include <algorithm>
 #include <atomic>
-#include <cstring>
 #include <iostream>
-#include <string>
 #include <thread>
-#include <vector>
 
 using namespace Orvanth;
 using namespace Orvanth::TKWW_DDS;
@@ -32,29 +30,27 @@ namespace {
 
 std::atomic<bool> stopping{false};
 
+// Publishes \a sample once a reader has matched; false when stopped first.
 template <class PubSubType>
-void publishWhenMatched(const std::string& topic, const typename PubSubType::type& sample)
+bool publishWhenMatched(const std::string& topic, const typename PubSubType::type& sample)
 {
-    if (stopping)
-        return;
     TopicPublisher<PubSubType> publisher(topic);
-    while (!publisher.waitForSubscribers(1, std::chrono::milliseconds(100))) {
-        if (stopping)
-            return;
-    }
-    if (!publisher.publish(sample) || !publisher.waitForAcknowledgments(std::chrono::seconds(10)))
+    while (!stopping && !publisher.waitForSubscribers(1, std::chrono::milliseconds(100)))
+        continue;
+    if (!stopping && (!publisher.publish(sample) || !publisher.waitForAcknowledgments(std::chrono::seconds(10))))
         std::cerr << "tz-test-engine: " << topic << " was not delivered" << std::endl;
+    return !stopping;
 }
 
 void publishSamples()
 {
-    publishWhenMatched<ATTR_VOIDPubSubType>(TopicSamples::VoidTopic, TopicSamples::voidSample());
-    publishWhenMatched<ATTR_BOOLEANPubSubType>(TopicSamples::BooleanTopic, TopicSamples::booleanSample());
-    publishWhenMatched<ATTR_LONGPubSubType>(TopicSamples::LongTopic, TopicSamples::longSample());
-    publishWhenMatched<ATTR_STRINGPubSubType>(TopicSamples::StringTopic, TopicSamples::stringSample());
-    publishWhenMatched<ATTR_EVENTPubSubType>(TopicSamples::EventTopic, TopicSamples::eventSample());
-    publishWhenMatched<ATTR_METER_READINGPubSubType>(TopicSamples::ReadingTopic, TopicSamples::readingSample());
-    std::cout << "PUBLISHED" << std::endl;
+    if (publishWhenMatched<ATTR_VOIDPubSubType>(TopicSamples::VoidTopic, TopicSamples::voidSample())
+        && publishWhenMatched<ATTR_BOOLEANPubSubType>(TopicSamples::BooleanTopic, TopicSamples::booleanSample())
+        && publishWhenMatched<ATTR_LONGPubSubType>(TopicSamples::LongTopic, TopicSamples::longSample())
+        && publishWhenMatched<ATTR_STRINGPubSubType>(TopicSamples::StringTopic, TopicSamples::stringSample())
+        && publishWhenMatched<ATTR_EVENTPubSubType>(TopicSamples::EventTopic, TopicSamples::eventSample())
+        && publishWhenMatched<ATTR_METER_READINGPubSubType>(TopicSamples::ReadingTopic, TopicSamples::readingSample()))
+        std::cout << "PUBLISHED" << std::endl;
 }
 
 } // namespace
@@ -62,54 +58,37 @@ void publishSamples()
 int main(int argc, char* argv[])
 {
     const Orvanth::StopSignals stopSignals;
-
-    std::vector<std::string> paths;
-    std::vector<std::string> orbOptions;
-    bool locker = false;
-    bool publish = false;
-    int pingDelayMs = 0;
-    for (int i = 1; i < argc; ++i) {
-        const std::string argument = argv[i];
-        if (argument == "--bind" && i + 1 < argc)
-            paths.emplace_back(argv[++i]);
-        else if (argument == "--ping-delay-ms" && i + 1 < argc)
-            pingDelayMs = std::atoi(argv[++i]);
-        else if (argument == "--locker")
-            locker = true;
-        else if (argument == "--publish-samples")
-            publish = true;
-        else
-            orbOptions.push_back(argument);
+    std::vector<std::string> paths, orbOptions;
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    auto* module = new GuiAbleServant;
+    auto* manager = new LockManagerServant;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] == "--bind" && i + 1 < arguments.size())
+            paths.push_back(arguments[++i]);
+        else if (arguments[i] == "--ping-delay-ms" && i + 1 < arguments.size())
+            module->setPingDelay(std::stoi(arguments[++i]));
+        else if (arguments[i] == "--locker")
+            paths.push_back(Names::LockerPath);
+        else if (arguments[i] != "--publish-samples")
+            orbOptions.push_back(arguments[i]);
     }
-
-    GuiAbleServant* module = new GuiAbleServant;
-    module->setPingDelay(pingDelayMs);
-    LockManagerServant* manager = new LockManagerServant;
+    const bool publish = std::find(arguments.begin(), arguments.end(), "--publish-samples") != arguments.end();
     try {
         ORB_base::start(orbOptions);
         ORB_wrapper_base server;
         for (const std::string& path : paths)
-            CORBA::Object_var bound = server.serve(path, module);
-        if (locker)
-            CORBA::Object_var bound = server.serve(Names::LockerPath, manager);
+            CORBA::Object_var bound = path == Names::LockerPath ? server.serve(path, manager) : server.serve(path, module);
     } catch (const CORBA::Exception& e) {
         std::cerr << "tz-test-engine: cannot serve: " << e._name() << std::endl;
         return 2;
     }
-    if (publish && !DDS_BaseObj::DdsBase().participant) {
-        std::cerr << "tz-test-engine: DDS is not running" << std::endl;
-        return 2;
-    }
+    if (publish && !DDS_BaseObj::DdsBase().participant)
+        return std::cerr << "tz-test-engine: DDS is not running" << std::endl, 2;
     std::cout << "READY" << std::endl;
-
-    std::thread publisher;
-    if (publish)
-        publisher = std::thread(publishSamples);
-
+    std::thread publisher(publish ? publishSamples : [] {});
     stopSignals.wait();
     stopping = true;
-    if (publisher.joinable())
-        publisher.join();
+    publisher.join();
     module->_remove_ref();
     manager->_remove_ref();
     ORB_base::destroyProcessOrb();

@@ -3,8 +3,6 @@
 
 #include <OrvanthTopics.h>
 
-#include <string>
-
 /// One known sample of each topic type and the topic it travels on, shared by the
 /// publishing test engine and the reading tests. Texts carry non-ASCII characters.
 namespace TopicSamples {
@@ -19,33 +17,20 @@ constexpr const char* ReadingTopic = "Test/BATTERY";
 // "Ωhm Prüfung – 測試" in UTF-8
 constexpr const char* UnicodeText = "\xce\xa9hm Pr\xc3\xbc" "fung \xe2\x80\x93 \xe6\xb8\xac\xe8\xa9\xa6";
 
-inline Orvanth::TKWW_DDS::ATTR_VOID voidSample()
+// A topic sample holding \a value.
+template <class Sample, class Value>
+Sample sample(const Value& value)
 {
-    Orvanth::TKWW_DDS::ATTR_VOID sample;
-    sample.sequence_number(7);
+    Sample sample;
+    sample.value(value);
     return sample;
 }
 
-inline Orvanth::TKWW_DDS::ATTR_BOOLEAN booleanSample()
-{
-    Orvanth::TKWW_DDS::ATTR_BOOLEAN sample;
-    sample.value(true);
-    return sample;
-}
+inline Orvanth::TKWW_DDS::ATTR_VOID voidSample() { return Orvanth::TKWW_DDS::ATTR_VOID(); }
 
-inline Orvanth::TKWW_DDS::ATTR_LONG longSample()
-{
-    Orvanth::TKWW_DDS::ATTR_LONG sample;
-    sample.value(-2147483647);
-    return sample;
-}
-
-inline Orvanth::TKWW_DDS::ATTR_STRING stringSample()
-{
-    Orvanth::TKWW_DDS::ATTR_STRING sample;
-    sample.value(UnicodeText);
-    return sample;
-}
+inline Orvanth::TKWW_DDS::ATTR_BOOLEAN booleanSample() { return sample<Orvanth::TKWW_DDS::ATTR_BOOLEAN>(true); }
+inline Orvanth::TKWW_DDS::ATTR_LONG longSample() { return sample<Orvanth::TKWW_DDS::ATTR_LONG>(-2147483647); }
+inline Orvanth::TKWW_DDS::ATTR_STRING stringSample() { return sample<Orvanth::TKWW_DDS::ATTR_STRING>(std::string(UnicodeText)); }
 
 inline Orvanth::TKWW_DDS::ATTR_EVENT eventSample()
 {
@@ -57,27 +42,20 @@ inline Orvanth::TKWW_DDS::ATTR_EVENT eventSample()
     message.parameter1(-1);
     message.parameter2(65536);
     message.timestamp(4102444800LL); // 2100-01-01: needs all 64 bits
-    Orvanth::TKWW_DDS::ATTR_EVENT sample;
-    sample.value(message);
-    return sample;
+    return sample<Orvanth::TKWW_DDS::ATTR_EVENT>(message);
 }
 
 inline Orvanth::TKWW_DDS::ATTR_METER_READING readingSample()
 {
-    Orvanth::MeterReading::ReadingEntry first;
-    first.name("BATTERYSTATUS1");
-    first.timestamp(1700000000LL);
-    first.value(87.25);
-    Orvanth::MeterReading::ReadingEntry second;
-    second.name("spare");
-    second.value(-0.5);
     Orvanth::MeterReading::Reading reading;
-    reading.readings().push_back(first);
-    reading.readings().push_back(second);
+    reading.readings().resize(2);
+    reading.readings()[0].name("BATTERYSTATUS1");
+    reading.readings()[0].timestamp(1700000000LL);
+    reading.readings()[0].value(87.25);
+    reading.readings()[1].name("spare");
+    reading.readings()[1].value(-0.5);
     reading.status(3);
-    Orvanth::TKWW_DDS::ATTR_METER_READING sample;
-    sample.value(reading);
-    return sample;
+    return sample<Orvanth::TKWW_DDS::ATTR_METER_READING>(reading);
 }
 
 } // namespace TopicSamples
