@@ -211,6 +211,13 @@ void TestMenuBuilding::shapesMenusAsEntriesComeAndGo_data()
                  {"Analyzers", "Spectrum", "Spectrum 2"},
                  {"Analyzers", "Scope", "Scope", 0, 0, true}}
         << QStringLiteral("Analyzers(Spectrum[Spectrum 1, Spectrum 2])");
+    // Back to a single button, the menu ranks 0 whatever rank its group had.
+    QTest::newRow("ungrouped button ranks 0")
+        << Steps{{"Meters", "", "Power", 5},
+                 {"Meters", "", "Voltage", 5},
+                 {"Meters", "", "Voltage", 0, 0, true},
+                 {"Help", "", "Help", 3}}
+        << QStringLiteral("Help | Power");
 }
 
 void TestMenuBuilding::shapesMenusAsEntriesComeAndGo()

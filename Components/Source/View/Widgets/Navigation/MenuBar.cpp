@@ -613,9 +613,9 @@ void MenuBar::ungroupMenu(const QString& menu)
     QString shown = tr(remaining->getLabel().toUtf8().constData());
     if (remaining->getInstNum() > 1)
         shown += QLatin1Char(' ') + QString::number(remaining->getInstNum());
-    MenuItem* button = newBarButton(menu, shown, remaining->getScreen(), remaining->getPosition(),
-                                    group ? group->getPriority() : 0, remaining->getReceiver(),
-                                    remaining->getSlot());
+    // Back to a single button, the menu ranks 0: later menus of any rank go before it.
+    MenuItem* button = newBarButton(menu, shown, remaining->getScreen(), remaining->getPosition(), 0,
+                                    remaining->getReceiver(), remaining->getSlot());
     putInRow(button, rowIndex(group));
     if (group) {
         takeFromRow(group);
