@@ -825,11 +825,20 @@ void MenuBar::forgetEntry(QObject* entry)
     takeFromRow(entry);
     if (SubMenu* sub = subMenus.value(menu))
         sub->forgetEntry(entry);
-    if (SubSubMenu* nest = subSubMenus.value(nestKey(menu, subMenu)))
+    // A name is nested as a whole: the entry sat in a second-level pop-up if its name has one.
+    SubSubMenu* nest = subSubMenus.value(nestKey(menu, subMenu));
+    if (nest)
         nest->forgetEntry(entry);
 
-    if (--menuCount[menu] <= 0)
+    const int left = --menuCount[menu];
+    if (left <= 0)
         menuCount.remove(menu);
+    // A group goes back to a single button only when it loses an entry of its own
+    // sub-menu; one left by a second-level pop-up stays in the group.
+    if (left == 1 && !nest && groupedMenus.contains(menu))
+        ungroupDue.insert(menu);
+    else if (left == 1)
+        ungroupDue.remove(menu);
     QHash<QString, int>& names = subMenuCount[menu];
     if (--names[subMenu] <= 0)
         names.remove(subMenu);
@@ -840,13 +849,14 @@ void MenuBar::forgetEntry(QObject* entry)
 void MenuBar::settleMenu(const QString& menu)
 {
     const int count = menuCount.value(menu);
+    const bool ungroup = ungroupDue.remove(menu) && count == 1;
     if (count == 0) {
         clearMenu(menu);
         return;
     }
     if (groupedMenus.contains(menu)) {
         flattenSubMenuNames(menu);
-        if (count == 1)
+        if (ungroup)
             ungroupMenu(menu);
     }
     refreshMenuVisibility(menu);

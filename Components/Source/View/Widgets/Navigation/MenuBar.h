@@ -216,6 +216,8 @@ private:
     QHash<const QObject*, QObject*> screenEntries;
     // Menus that lost entries and still have to take their new shape.
     QSet<QString> unsettledMenus;
+    // Groups whose count fell to one through an entry of the sub-menu itself.
+    QSet<QString> ungroupDue;
     QList<QString> groupedMenus;
 };
 
