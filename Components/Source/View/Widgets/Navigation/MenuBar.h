@@ -73,12 +73,12 @@ public:
     /// A bar button's fixed width (top bar) or height (left bar).
     int itemExtent() const;
 
-    /// Replaces where startTimer() reads the time-out; an empty source restores the
-    /// engines' attribute "MenuBarTimeout1", found through module discovery.
     /// Appends \a item to the bar's row, sized as a bar button; the row forgets it when
     /// it is deleted.
     void addItem(QWidget* item);
 
+    /// Replaces where startTimer() reads the time-out; an empty source restores the
+    /// engines' attribute "MenuBarTimeout1", found through module discovery.
     void setTimeoutSource(TimeoutSource source);
 
     /**
