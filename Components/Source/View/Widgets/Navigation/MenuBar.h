@@ -16,8 +16,10 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
+class MenuBuilder;
 class MenuItem;
 class QBoxLayout;
 class QDomDocument;
@@ -71,12 +73,12 @@ public:
     /// A bar button's fixed width (top bar) or height (left bar).
     int itemExtent() const;
 
-    /// Replaces where startTimer() reads the time-out; an empty source restores the
-    /// engines' attribute "MenuBarTimeout1", found through module discovery.
     /// Appends \a item to the bar's row, sized as a bar button; the row forgets it when
     /// it is deleted.
     void addItem(QWidget* item);
 
+    /// Replaces where startTimer() reads the time-out; an empty source restores the
+    /// engines' attribute "MenuBarTimeout1", found through module discovery.
     void setTimeoutSource(TimeoutSource source);
 
     /**
@@ -144,8 +146,6 @@ private slots:
     void closeOtherSubMenus(SubMenu* sub);
     void menuItemDeleted(QObject* menuItem);
     void subSubMenuItemDeleted(QObject* menuItem);
-    void screenDestroyed(QObject* screen);
-    void settleMenus();
 
 private:
     void scrollTo(const QPoint& target);
@@ -153,48 +153,9 @@ private:
     void timeoutRead();
     void applyTimeout(std::optional<int> seconds);
 
-    // Entry bookkeeping, see MenuBar.cpp.
-    MenuItem* newBarButton(const QString& menu, const QString& label, QFrame* screen, int position, int priority,
-                           QObject* receiver, const QString& slot);
-    void putInRow(MenuItem* button, int index);
-    int rowIndex(const QObject* widget) const;
-    void takeFromRow(const QObject* widget);
-    void groupMenu(const QString& menu, int position, int priority);
-    void ungroupMenu(const QString& menu);
-    // A holder made for a name takes \a holderPosition, the position of the entry
-    // whose arrival nests the name.
-    void nestSubMenuNames(const QString& menu, int holderPosition);
-    void flattenSubMenuNames(const QString& menu);
-    void nestSubMenuName(const QString& menu, const QString& subMenu, int holderPosition);
-    void flattenSubMenuName(const QString& menu, const QString& subMenu);
-    SubMenuItem* newSubMenuEntry(SubMenu* sub, const QString& subMenu, const QString& label, QFrame* screen,
-                                 int position, QObject* receiver, const QString& slot, int instNum);
-    void recordEntry(QPushButton* entry, const QString& menu, const QString& subMenu, QWidget* screen);
-    void passEntryOn(QPushButton* from, QPushButton* to, QObject* receiver, const QString& slot);
-    void entryGone(QObject* entry, bool settleNow);
-    void forgetEntry(QObject* entry);
-    bool dropEntriesWithoutScreen(const QString& menu);
-    void settleMenu(const QString& menu);
-    void clearMenu(const QString& menu);
-    void refreshMenuVisibility(const QString& menu);
-    // Hides or shows the entry of \a key and the spacer above it (disableScreen, enableScreen).
-    void setEntryShown(const ScreenKey& key, bool shown);
-    QList<QPushButton*> entriesOf(const QString& menu) const;
-    static QString nestKey(const QString& menu, const QString& subMenu);
-
     Qt::AlignmentFlag location;
     QRect openGeometry;
     QRect closedGeometry;
-    QHash<QString, int> menuCount;
-    QHash<QString, QHash<QString, int>> subMenuCount;
-    QHash<QString, QPointer<MenuItem>> menuButtons;
-    QHash<QString, QPointer<SubMenu>> subMenus;
-    QHash<QString, QPointer<SubSubMenu>> subSubMenus;
-    // Keyed by the entry as a QObject: destroyed() reports no more than that.
-    QHash<QObject*, QString> itemMenuName;
-    QHash<QObject*, QString> itemSubMenuName;
-    QHash<QObject*, QPointer<QWidget>> buttonScreens;
-    ScreenMap screenMap;
     QPropertyAnimation geometryAnimation;
     QPropertyAnimation scrollAnimation;
     QScrollBar* scrollBar = nullptr;
@@ -212,11 +173,8 @@ private:
     bool timeoutReadRunning = false;
     bool timeoutReadStale = false;
 
-    // The entry that shows each screen, to refuse a second one.
-    QHash<const QObject*, QObject*> screenEntries;
-    // Menus that lost entries and still have to take their new shape.
-    QSet<QString> unsettledMenus;
-    QList<QString> groupedMenus;
+    // Menus, sub-menus and entries; made last, gone first.
+    std::unique_ptr<MenuBuilder> menus;
 };
 
 #endif
