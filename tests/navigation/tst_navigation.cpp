@@ -516,6 +516,10 @@ private slots:
         // The last entry but one leaves from the second level: the group stays.
         QTest::newRow("group kept when its second level collapses")
             << Steps {spectrum1, scope, spectrum2, gone2, gone1} << QStringLiteral("Analyzers(Spectrum 1)");
+        // An entry back from a collapsed second level goes last, whatever its position.
+        QTest::newRow("collapsed entry appended") << Steps {{"Analyzers", "Spectrum", "Spectrum 1", 0, 5},
+            {"Analyzers", "Scope", "Scope", 0, 1}, {"Analyzers", "Spectrum", "Spectrum 2", 0, 5},
+            {"Analyzers", "Spectrum", "Spectrum 2", 0, 5, true}} << QStringLiteral("Analyzers(Scope, Spectrum 1)");
         // Back to a single button, the menu ranks 0 whatever rank its group had.
         QTest::newRow("ungrouped button ranks 0") << Steps {{"Meters", "", "Power", 5}, {"Meters", "", "Voltage", 5},
             {"Meters", "", "Voltage", 0, 0, true}, {"Help", "", "Help", 3}}

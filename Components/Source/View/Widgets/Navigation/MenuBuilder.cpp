@@ -127,11 +127,12 @@ MenuItem* MenuBuilder::newBarButton(const QString& menu, const QString& label, Q
 }
 
 SubMenuItem* MenuBuilder::newSubMenuEntry(SubMenu* sub, const QString& subMenu, const QString& label, QFrame* screen,
-                                      int position, QObject* receiver, const QString& slot, int instNum)
+                                      int position, QObject* receiver, const QString& slot, int instNum,
+                                      bool appended)
 {
     auto* item = new SubMenuItem(sub, label, screen, position, receiver, slot, instNum);
     item->setObjectName(subMenu);
-    sub->addMenuItem(item, position);
+    sub->addMenuItem(item, appended ? 0 : position);
     connect(item, &QObject::destroyed, this, &MenuBuilder::menuItemDeleted);
     item->setText(label);
     return item;
@@ -312,7 +313,7 @@ void MenuBuilder::flattenSubMenuName(const QString& menu, const QString& subMenu
                 continue;
             SubMenuItem* moved = newSubMenuEntry(sub, subMenu, entry->getLabel(), entry->getScreen(),
                                                  entry->getPosition(), entry->getReceiver(), entry->getSlot(),
-                                                 entry->getInstNum());
+                                                 entry->getInstNum(), true);
             nest->removeMenuItem(entry);
             passEntryOn(entry, moved, entry->getReceiver(), entry->getSlot());
         }

@@ -76,8 +76,11 @@ private:
     void flattenSubMenuNames(const QString& menu);
     void nestSubMenuName(const QString& menu, const QString& subMenu, int holderPosition);
     void flattenSubMenuName(const QString& menu, const QString& subMenu);
+    // \a appended puts the entry last, whatever its position (an entry back from a
+    // collapsed second level).
     SubMenuItem* newSubMenuEntry(SubMenu* sub, const QString& subMenu, const QString& label, QFrame* screen,
-                                 int position, QObject* receiver, const QString& slot, int instNum);
+                                 int position, QObject* receiver, const QString& slot, int instNum,
+                                 bool appended = false);
     void recordEntry(QPushButton* entry, const QString& menu, const QString& subMenu, QWidget* screen);
     void passEntryOn(QPushButton* from, QPushButton* to, QObject* receiver, const QString& slot);
     void entryGone(QObject* entry, bool settleNow);
