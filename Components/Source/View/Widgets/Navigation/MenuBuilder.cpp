@@ -16,6 +16,22 @@
 
 #include <utility>
 
+namespace {
+
+// The pop-ups of \a table that still exist; a deleted one leaves a null entry behind.
+template <class PopUp>
+QHash<QString, PopUp*> livePopUps(const QHash<QString, QPointer<PopUp>>& table)
+{
+    QHash<QString, PopUp*> result;
+    for (auto entry = table.constBegin(); entry != table.constEnd(); ++entry) {
+        if (entry.value())
+            result.insert(entry.key(), entry.value());
+    }
+    return result;
+}
+
+} // namespace
+
 MenuBuilder::MenuBuilder(MenuBar* bar, ScrollableMenuBarFrame* row, QBoxLayout* rowLayout)
     : bar(bar)
     , itemFrame(row)
@@ -606,22 +622,12 @@ void MenuBuilder::updateButtonsToContainers(QPushButton* button, QWidget* screen
 
 QHash<QString, SubMenu*> MenuBuilder::getSubMenus() const
 {
-    QHash<QString, SubMenu*> result;
-    for (auto sub = subMenus.constBegin(); sub != subMenus.constEnd(); ++sub) {
-        if (sub.value())
-            result.insert(sub.key(), sub.value());
-    }
-    return result;
+    return livePopUps(subMenus);
 }
 
 QHash<QString, SubSubMenu*> MenuBuilder::getSubSubMenus() const
 {
-    QHash<QString, SubSubMenu*> result;
-    for (auto nest = subSubMenus.constBegin(); nest != subSubMenus.constEnd(); ++nest) {
-        if (nest.value())
-            result.insert(nest.key(), nest.value());
-    }
-    return result;
+    return livePopUps(subSubMenus);
 }
 
 void MenuBuilder::closeOtherSubMenus(SubMenu* sub)

@@ -101,8 +101,8 @@ QTZStatusBar::QTZStatusBar(QWidget* parent)
     }
     if (ApplicationOptions::isPortraitResolution())
         m_textWidth = 225;
-    m_textLabels[0]->setGeometry(0, 0, m_textWidth, m_barHeight);
-    m_textLabels[1]->setGeometry(0, m_barHeight, m_textWidth, m_barHeight);
+    m_textLabels[0]->setGeometry(0, 0, m_textWidth, BarHeight);
+    m_textLabels[1]->setGeometry(0, BarHeight, m_textWidth, BarHeight);
 
     setStyleSheet(StatusMessages::sizeStyleSheet(Small));
     // Measured as styled: the sheet's margins widen the icons.
@@ -110,14 +110,14 @@ QTZStatusBar::QTZStatusBar(QWidget* parent)
         m_iconsWidth += iconWidth(m_iconLayout->itemAt(i)->widget()) + m_iconLayout->spacing();
     m_iconBox->setFixedWidth(m_iconsWidth);
     m_smallWidth = sizeHint().width();
-    setMinimumSize(m_smallWidth, m_barHeight);
+    setMinimumSize(m_smallWidth, BarHeight);
     setMaximumWidth(MaximumWidth);
     int x = 300;
     if (ApplicationOptions::isHandheld())
         x = 200;
     else if (ApplicationOptions::isPortraitResolution())
         x = 5;
-    setGeometry(x, parentSize().height() - 50, m_smallWidth, m_barHeight);
+    setGeometry(x, parentSize().height() - 50, m_smallWidth, BarHeight);
 
     connect(m_minMaxIcon, &QPushButton::clicked, this, &QTZStatusBar::animate);
     connect(m_maxButton, &QPushButton::clicked, this, &QTZStatusBar::animate);
@@ -316,7 +316,7 @@ void QTZStatusBar::animate()
     QEasingCurve easing(QEasingCurve::OutBack);
     if (m_sizeState == Max) {
         const int x = isWideScreen() ? 5 : start.x();
-        target = QRect(x, area.height() - 50, area.width() - 5 - x, m_barHeight);
+        target = QRect(x, area.height() - 50, area.width() - 5 - x, BarHeight);
         m_textField->show();
         setCSS();
         if (m_log) {
@@ -338,7 +338,7 @@ void QTZStatusBar::animate()
         setIconsVisible(true);
         m_maxButton->hide();
         const int x = isWideScreen() ? area.width() / 2 - m_smallWidth / 2 : start.x();
-        target = QRect(x, area.height() - 50, m_smallWidth, m_barHeight);
+        target = QRect(x, area.height() - 50, m_smallWidth, BarHeight);
         setCSS();
     }
 

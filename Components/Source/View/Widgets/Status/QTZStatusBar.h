@@ -128,7 +128,6 @@ private:
     // A sibling on the parent, as is the bubble; both are deleted with the bar.
     QPointer<QTZMsgLogger> m_log;
     int m_smallWidth = 0;
-    int m_barHeight = BarHeight;
     int m_iconsWidth = 0;
     bool m_logShown = false;
     bool m_resumeAnimation = false;

@@ -138,8 +138,8 @@ StatusBarImpl::StatusBarImpl(QWidget* parent)
         label = new QLabel(m_textField);
         label->setObjectName(QStringLiteral("HiddenLabel"));
     }
-    m_textLabels[0]->setGeometry(0, 0, m_textWidth, m_barHeight);
-    m_textLabels[1]->setGeometry(0, m_barHeight, m_textWidth, m_barHeight);
+    m_textLabels[0]->setGeometry(0, 0, m_textWidth, BarHeight);
+    m_textLabels[1]->setGeometry(0, BarHeight, m_textWidth, BarHeight);
     // Shown only while expanded.
     m_textField->hide();
     messageLayout->addWidget(m_iconBox);
@@ -147,13 +147,13 @@ StatusBarImpl::StatusBarImpl(QWidget* parent)
 
     setCSS();
     m_smallWidth = sizeHint().width();
-    setMinimumSize(m_smallWidth, m_barHeight);
+    setMinimumSize(m_smallWidth, BarHeight);
     int x = 300;
     if (ApplicationOptions::isHandheld())
         x = 200;
     else if (ApplicationOptions::isPortraitResolution())
         x = 5;
-    setGeometry(x, parentSize().height() - 50, m_smallWidth, m_barHeight);
+    setGeometry(x, parentSize().height() - 50, m_smallWidth, BarHeight);
 
     connect(m_minMaxIcon, &QPushButton::clicked, this, &StatusBarImpl::animate);
     connect(&m_geometryAnimation, &QPropertyAnimation::finished, this, &StatusBarImpl::animationFinished);
@@ -339,14 +339,14 @@ void StatusBarImpl::animate()
     QRect target;
     QEasingCurve easing(QEasingCurve::OutBack);
     if (m_expanded) {
-        target = QRect(start.x(), area.height() - 50, area.width() - 5 - start.x(), m_barHeight);
+        target = QRect(start.x(), area.height() - 50, area.width() - 5 - start.x(), BarHeight);
         m_textField->show();
         setCSS();
         if (m_log)
             m_log->setMinimumWidth(m_smallWidth + m_textWidth - 14 - m_iconBox->maximumWidth());
     } else {
         easing = QEasingCurve(QEasingCurve::InBack);
-        target = QRect(start.x(), area.height() - 50, m_smallWidth, m_barHeight);
+        target = QRect(start.x(), area.height() - 50, m_smallWidth, BarHeight);
     }
 
     m_geometryAnimation.stop();

@@ -127,7 +127,6 @@ private:
 
     QPointer<MsgLogger> m_log;
     int m_smallWidth = 0;
-    int m_barHeight = BarHeight;
     bool m_logShown = false;
     bool m_resumeAnimation = false;
     bool m_expanded = false;
