@@ -4,6 +4,7 @@
 #include "DesktopImpl.h"
 #include "DesktopManagerImpl.h"
 #include "GlobalImpl.h"
+#include "HandheldScreens.h"
 #include "MenuBar.h"
 #include "NamingServiceImpl.h"
 
@@ -106,6 +107,7 @@ void DemoNavigation::addModuleButton(const QString& index)
     registry->addScreen(title, screen);
     if (DesktopManagerImpl* manager = registry->desktopManager())
         manager->registerModule(screen);
+    HandheldScreens::follow(screen);
     screen->hide();
     m_modules.insert(index, screen);
 

@@ -6,6 +6,7 @@
 #include "DesktopManagerImpl.h"
 #include "FSContainer.h"
 #include "GlobalImpl.h"
+#include "HandheldScreens.h"
 #include "QTZScalableLabel.h"
 #include "QTZTextEditor.h"
 #include "RotatableLabel.h"
@@ -13,7 +14,6 @@
 
 #include <QDebug>
 #include <QLabel>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace {
@@ -125,8 +125,10 @@ void DemoScreens::addContainer(const QString& title, int instance, QWidget* cont
     registry->addScreen(instance > 1 ? QStringLiteral("%1 %2").arg(title).arg(instance) : title, container);
     if (DesktopManagerImpl* manager = registry->desktopManager())
         manager->registerModule(container);
-    // Placed by the manager when the desktop first shows it.
-    container->show();
+    HandheldScreens::follow(container);
+    // Placed by the manager when the desktop first shows it; on a handheld the other
+    // screens open from the navigation bar.
+    container->setVisible(HandheldScreens::opensAtStart(m_containers.isEmpty()));
     m_containers.append(container);
 }
 
@@ -143,15 +145,6 @@ void DemoScreens::addFullScreen()
     m_fullScreen->setLayout(layout);
     m_fullScreen->hide();
     GlobalImpl::getInstance()->addScreen(QStringLiteral("System Overview"), m_fullScreen);
-
-    auto* open = new QPushButton(QObject::tr("Full screen"), m_desktop);
-    open->setObjectName(QStringLiteral("FullScreenButton"));
-    open->setStyleSheet(QStringLiteral("QPushButton { color: white; background-color: rgb(60,60,60); "
-                                       "border: 1px solid white; border-radius: 6px; padding: 6px; }"));
-    open->adjustSize();
-    open->move(m_desktop->width() - open->width() - 10, m_desktop->height() - open->height() - 20);
-    open->show();
-    QObject::connect(open, &QPushButton::clicked, m_fullScreen.data(), &FSContainer::show);
 }
 
 void DemoScreens::addDeviceControl()

@@ -13,7 +13,9 @@ class QWidget;
 /**
  * The demo's module screens: a few standard containers with simple contents, placed by
  * the desktop manager when they are first shown, one full-screen container that a
- * button on the desktop opens, and the device control screen that engines open. Each screen is registered in the registry's screen table.
+ * button on the desktop opens, and the device control screen that engines open. Each
+ * screen is registered in the registry's screen table. A handheld opens the first
+ * screen only and shows one at a time.
  */
 class DemoScreens
 {

@@ -5,6 +5,7 @@
 #include "DesktopImpl.h"
 #include "DesktopManagerImpl.h"
 #include "GlobalImpl.h"
+#include "HandheldScreens.h"
 #include "NamingServiceImpl.h"
 #include "PushButtonImpl.h"
 
@@ -89,7 +90,8 @@ ContainerImpl* DemoWidgets::addTo(DesktopImpl* desktop)
     registry->addScreen(QStringLiteral("Engine Controls"), container);
     if (DesktopManagerImpl* manager = registry->desktopManager())
         manager->registerModule(container);
-    container->show();
+    HandheldScreens::follow(container);
+    container->setVisible(HandheldScreens::opensAtStart(false));
     qDebug() << "UserInterface - Demo host - engine controls bound to" << actionName;
     return container;
 }

@@ -16,7 +16,8 @@ public:
     DemoWidgets() = delete;
 
     /// Builds the screen on \a desktop, which owns it, registers it as "Engine Controls"
-    /// and shows it. The buttons bind once module discovery has found an engine.
+    /// and shows it (on a handheld it opens from the navigation bar). The buttons bind
+    /// once module discovery has found an engine.
     static ContainerImpl* addTo(DesktopImpl* desktop);
 };
 

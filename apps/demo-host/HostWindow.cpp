@@ -8,6 +8,7 @@
 #include "DemoWidgets.h"
 #include "DesktopImpl.h"
 #include "DesktopManagerImpl.h"
+#include "FSContainer.h"
 #include "GUIManagerReceiver.h"
 #include "GlobalImpl.h"
 #include "HostAddress.h"
@@ -50,10 +51,13 @@ DesktopImpl* HostWindow::buildDesktop()
     screens.sort();
     for (const QString& name : screens)
         m_navigation->addScreenButton(name);
-    new DemoStatus(m_desktop);
+    m_status = new DemoStatus(m_desktop);
     buildExitMenu();
-    // Engines store and recall the arrangement through the remote service.
-    registry->systemModule()->setModule(QStringLiteral("ScreenStateManager"), new ScreenStateManager(this));
+    // Engines store and recall the arrangement through the remote service, the user
+    // through the buttons on the desktop.
+    m_screenStates = new ScreenStateManager(this);
+    registry->systemModule()->setModule(QStringLiteral("ScreenStateManager"), m_screenStates.data());
+    buildDesktopButtons();
     serveRemote();
     return m_desktop;
 }
@@ -95,6 +99,62 @@ void HostWindow::buildExitMenu()
     connect(exitButton, &QPushButton::clicked, m_desktop.data(), &DesktopImpl::shutdownSlot);
     menu->setGeometry(-80, height() - 60, 110, 40);
     menu->show();
+}
+
+void HostWindow::copyMessagesTo(const QString& fileName)
+{
+    if (!m_status || !m_status->statusBar())
+        return;
+    m_status->statusBar()->setOutputFile(fileName);
+    m_status->statusBar()->logToFile(true);
+}
+
+void HostWindow::buildDesktopButtons()
+{
+    const QString look = QStringLiteral("QPushButton { color: white; background-color: rgb(60,60,60); "
+                                        "border: 1px solid white; border-radius: 6px; padding: 6px; }"
+                                        "QPushButton:disabled { color: gray; border-color: gray; }");
+    auto* save = new QPushButton(tr("Save layout"), m_desktop);
+    save->setObjectName(QStringLiteral("SaveLayoutButton"));
+    auto* restore = new QPushButton(tr("Restore layout"), m_desktop);
+    restore->setObjectName(QStringLiteral("RestoreLayoutButton"));
+    restore->setEnabled(false);
+    auto* fullScreen = new QPushButton(tr("Full screen"), m_desktop);
+    fullScreen->setObjectName(QStringLiteral("FullScreenButton"));
+
+    // A row at the bottom right, the full-screen button last; above the status bar where
+    // the screen is too narrow for both.
+    const QList<QPushButton*> row{fullScreen, restore, save};
+    QRect rowArea;
+    int right = m_desktop->width() - 10;
+    for (QPushButton* button : row) {
+        button->setStyleSheet(look);
+        button->adjustSize();
+        button->move(right - button->width(), m_desktop->height() - button->height() - 20);
+        right -= button->width() + 8;
+        rowArea |= button->geometry();
+    }
+    const QWidget* statusBar = m_status ? m_status->statusBar() : nullptr;
+    const int lift = statusBar && statusBar->geometry().intersects(rowArea) ? rowArea.bottom() + 10 - statusBar->y() : 0;
+    for (QPushButton* button : row) {
+        button->move(button->x(), button->y() - lift);
+        button->show();
+    }
+
+    connect(save, &QPushButton::clicked, this, [this, restore] {
+        if (!m_screenStates)
+            return;
+        m_savedLayout = m_screenStates->store();
+        restore->setEnabled(true);
+        qDebug().noquote() << "UserInterface - Demo host - layout saved:" << m_savedLayout.count(QStringLiteral("<screen "))
+                           << "screens";
+    });
+    connect(restore, &QPushButton::clicked, this, [this] {
+        if (m_screenStates && !m_savedLayout.isEmpty())
+            m_screenStates->recall(m_savedLayout);
+    });
+    if (FSContainer* module = m_screens->fullScreen())
+        connect(fullScreen, &QPushButton::clicked, module, &FSContainer::show);
 }
 
 void HostWindow::closeEvent(QCloseEvent* event)

@@ -2,8 +2,11 @@
 // registry and the desktop at the chosen screen size, and runs until the desktop closes.
 //   tz-demo-host [-res 800x480] [-grid 2x4] [-systype handheld|benchtop] [-fullscreen]
 //                [-ORBInitRef NameService=corbaname::127.0.0.1:PORT] [-debug] [-quit-after MS] ...
+// tz-demo-host --help lists every option.
 
 #include "ApplicationOptions.h"
+#include "DesktopImpl.h"
+#include "DialogAnswerer.h"
 #include "HostOptions.h"
 #include "GlobalImpl.h"
 #include "HostWindow.h"
@@ -16,7 +19,13 @@
 
 int main(int argc, char* argv[])
 {
+    // Answered before QApplication, which needs a display.
+    const int informed = HostOptions::answerHelpOrVersion(argc, argv);
+    if (informed >= 0)
+        return informed;
+
     QApplication app(argc, argv);
+    QCoreApplication::setApplicationVersion(QStringLiteral(TZ_VERSION));
     // Each dialog parses its own style sheets into icons of its own, and Qt keeps their
     // renderings in the pixmap cache after the dialog is gone until the cache is full.
     // What the desktop paints at once fits in far less than the default 10 MB.
@@ -33,7 +42,11 @@ int main(int argc, char* argv[])
         qDebug() << "UserInterface - Demo host - option" << property.first << property.second;
 
     HostWindow window(ApplicationOptions::resolutionOr(QSize(800, 480)));
-    window.buildDesktop();
+    DesktopImpl* desktop = window.buildDesktop();
+    if (!options.messageLogFile().isEmpty())
+        window.copyMessagesTo(options.messageLogFile());
+    if (options.answerDialogsAfterMs() >= 0)
+        new DialogAnswerer(desktop, options.answerDialogsAfterMs());
     qDebug() << "UserInterface - Demo host - desktop" << window.size() << "snap points" << registry->gridPoints.size();
     if (ApplicationOptions::fullScreen())
         window.showFullScreen();

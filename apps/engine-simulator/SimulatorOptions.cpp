@@ -118,6 +118,11 @@ const std::vector<OptionEntry>& optionTable()
              o.help = true;
              return true;
          }},
+        {"version", "", "show the version and exit",
+         [](SimulatorOptions& o, const std::string&) {
+             o.version = true;
+             return true;
+         }},
     };
     return table;
 }
@@ -184,7 +189,7 @@ bool SimulatorOptions::loadScenario(const std::string& path, std::string* error)
             name = line.substr(0, space);
             value = space == std::string::npos ? std::string() : trimmed(line.substr(space));
         }
-        if (name == "scenario" || name == "help") {
+        if (name == "scenario" || name == "help" || name == "version") {
             *error = path + ":" + std::to_string(number) + ": \"" + name + "\" is not allowed in a scenario file";
             return false;
         }

@@ -30,6 +30,7 @@ public:
     int menuBarTimeout = 10;
     double lockToggleSeconds = 0.0;
     bool help = false;
+    bool version = false;
     std::vector<std::string> orbOptions;
 
     /// Reads \a argv; false with a message in \a error on a bad option or value.

@@ -25,6 +25,10 @@ int main(int argc, char* argv[])
         std::cout << SimulatorOptions::usage();
         return 0;
     }
+    if (options.version) {
+        std::cout << "tz-engine-simulator " << TZ_VERSION << "\n";
+        return 0;
+    }
 
     int status = 0;
     {

@@ -53,6 +53,10 @@ bool GuiClientOptions::parse(int argc, char** argv, std::string* error)
             help = true;
             continue;
         }
+        if (argument == "--version") {
+            version = true;
+            continue;
+        }
         if (argument.rfind("-ORB", 0) == 0) {
             orbOptions.push_back(argument);
             if (i + 1 < argc)
@@ -101,7 +105,7 @@ bool GuiClientOptions::parse(int argc, char** argv, std::string* error)
         for (int k = 0; k < found->operands; ++k)
             operands.emplace_back(argv[++i]);
     }
-    if (help)
+    if (help || version)
         return true;
     if (command == Command::None) {
         *error = "no command given";
@@ -151,7 +155,8 @@ std::string GuiClientOptions::usage()
 {
     return R"(tz-gui-client: calls the desktop's remote GUI service (Lumaro/local/GUIManager).
 
-  tz-gui-client [-ORBInitRef NameService=corbaname::127.0.0.1:PORT] COMMAND [--timeout S]
+Usage: tz-gui-client [-ORBInitRef NameService=corbaname::127.0.0.1:PORT] COMMAND [--timeout S]
+       tz-gui-client --help | --version
 
 The naming service comes from -ORBInitRef or the ORBInitRef environment variable, or
 is the instrument's (port 2809) when ORVANTH_INSTRUMENT_HOST names the instrument.

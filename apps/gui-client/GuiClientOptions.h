@@ -52,6 +52,7 @@ public:
     /// The call time-out in milliseconds; 0 when none was given.
     long timeoutMs = 0;
     bool help = false;
+    bool version = false;
     std::vector<std::string> orbOptions;
 
     /// Reads \a argv; false with a message in \a error on a bad option or operand.

@@ -24,6 +24,10 @@ int main(int argc, char* argv[])
         std::cout << GuiClientOptions::usage();
         return 0;
     }
+    if (options.version) {
+        std::cout << "tz-gui-client " << TZ_VERSION << "\n";
+        return 0;
+    }
 
     int status = GuiClientOptions::CallFailed;
     try {

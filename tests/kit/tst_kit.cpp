@@ -59,6 +59,8 @@ private slots:
     void scrollBarLookFollowsStyleAndSize();
     void scalableLabelFitsItsWidth_data();
     void scalableLabelFitsItsWidth();
+    void scalableLabelDrawsItsWholeText_data();
+    void scalableLabelDrawsItsWholeText();
     void rotatableLabelDrawsAlongItsWholeDegrees_data();
     void rotatableLabelDrawsAlongItsWholeDegrees();
     void editorGutterFitsTheLineNumbers_data();
@@ -291,6 +293,38 @@ void TestKit::scalableLabelFitsItsWidth()
     // Wider again, it fits from the full size.
     label->setFixedSize(600, 40);
     QCOMPARE(font.endsWith(QLatin1String("pt")) ? label->font().pointSize() : label->font().pixelSize(), 20);
+}
+
+void TestKit::scalableLabelDrawsItsWholeText_data()
+{
+    QTest::addColumn<QString>("sheet");
+    QTest::addColumn<int>("alignment");
+    // A container's title: the margin gives the label a frame, and QLabel then draws
+    // aligned text half an "x" in from its edge.
+    QTest::newRow("container title") << "margin-left: 1px;" << int(Qt::AlignLeft | Qt::AlignVCenter);
+    QTest::newRow("right-aligned with a border") << "border: 2px solid black;" << int(Qt::AlignRight | Qt::AlignVCenter);
+    QTest::newRow("plain") << "" << int(Qt::AlignLeft | Qt::AlignVCenter);
+}
+
+void TestKit::scalableLabelDrawsItsWholeText()
+{
+    QFETCH(QString, sheet);
+    QFETCH(int, alignment);
+    QWidget parent;
+    parent.setStyleSheet("QLabel { font: 26px; color: white; background: black; " + sheet + " }");
+    auto* label = new QTZScalableLabel(&parent);
+    label->setAlignment(Qt::Alignment(alignment));
+    label->setFixedSize(114, 48);
+    parent.show();
+    label->setText(QStringLiteral("Engine Controls"));
+    QVERIFY(label->font().pixelSize() < 26);
+    // No stroke of the text reaches the label's left or right edge inside its frame.
+    const QImage image = label->grab().toImage();
+    const int inner = label->contentsRect().left();
+    for (int x : {inner, label->contentsRect().right()}) {
+        for (int y = label->contentsRect().top(); y <= label->contentsRect().bottom(); ++y)
+            QVERIFY2(qGray(image.pixel(x, y)) < 128, qPrintable(QStringLiteral("text at %1,%2").arg(x).arg(y)));
+    }
 }
 
 void TestKit::rotatableLabelDrawsAlongItsWholeDegrees_data()

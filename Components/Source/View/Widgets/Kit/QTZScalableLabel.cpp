@@ -2,6 +2,7 @@
 
 #include <QFontMetrics>
 #include <QResizeEvent>
+#include <QStyle>
 
 QTZScalableLabel::QTZScalableLabel(QWidget* parent)
     : QLabel(parent)
@@ -26,7 +27,7 @@ void QTZScalableLabel::setText(QString text)
     int pixelSize = font.pixelSize();
     if (pixelSize > 0) {
         const QRect area(0, 0, width(), height());
-        while (QFontMetrics(font).boundingRect(area, Qt::AlignCenter, m_shownText).width() > width()
+        while (QFontMetrics(font).boundingRect(area, Qt::AlignCenter, m_shownText).width() > textWidth(font)
                && pixelSize > 1) {
             --pixelSize;
             font.setPixelSize(pixelSize);
@@ -37,6 +38,21 @@ void QTZScalableLabel::setText(QString text)
 
     QLabel::setText(m_shownText);
     update();
+}
+
+int QTZScalableLabel::textWidth(const QFont& font) const
+{
+    // QLabel draws plain text inside its contents and margin, and a label with a frame
+    // (a container's sheet gives its title one through a margin) moves left- or
+    // right-aligned text in by half an "x" of the font it is drawn in.
+    int available = contentsRect().width() - 2 * margin();
+    int inset = indent();
+    if (inset < 0 && frameWidth() > 0)
+        inset = QFontMetrics(font).horizontalAdvance(QLatin1Char('x')) / 2 - margin();
+    const Qt::Alignment horizontal = QStyle::visualAlignment(layoutDirection(), alignment()) & Qt::AlignHorizontal_Mask;
+    if (inset > 0 && (horizontal & (Qt::AlignLeft | Qt::AlignRight)))
+        available -= inset;
+    return available;
 }
 
 void QTZScalableLabel::resizeEvent(QResizeEvent* event)

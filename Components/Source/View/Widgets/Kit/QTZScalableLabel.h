@@ -29,6 +29,9 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    // The width the text is drawn in with \a font: the contents less QLabel's indent.
+    int textWidth(const QFont& font) const;
+
     QString m_shownText;
     // Untranslated, so that a resize can fit it again from the font's full size.
     QString m_text;
