@@ -1,0 +1,194 @@
+// The examples as a developer builds them against an installed package, run as programs:
+// the minimal host starts and ends on each system type and serves the remote GUI service,
+// the Designer form comes up with the kit's widgets made by the installed plug-in and
+// binds them to an engine, and the example engine serves its module and attribute and
+// opens its dialog on the minimal host.
+
+#include "ChildProcess.h"
+#include "NamingServiceProcess.h"
+
+#include "ORB_wrapper_base.h"
+#include "OrvanthNames.h"
+
+#include <Orvanth.hh>
+
+#include <QtTest>
+
+#include <algorithm>
+
+using namespace Orvanth;
+
+namespace {
+
+QString example(const QString& project, const QString& program)
+{
+    return QStringLiteral(TZ_EXAMPLES_DIR "/%1/%2").arg(project, program);
+}
+
+// The installed libraries are found through the library path: the library itself
+// carries no run path to its own dependencies.
+QProcessEnvironment installedEnvironment(QProcessEnvironment environment = QProcessEnvironment::systemEnvironment())
+{
+    environment.insert(QStringLiteral("LD_LIBRARY_PATH"), QStringLiteral(TZ_INSTALL_PREFIX "/lib"));
+    return environment;
+}
+
+} // namespace
+
+class TestExamples : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_naming.start());
+        m_orb = std::make_unique<ORB_wrapper_base>(m_naming.orbOptions());
+    }
+
+    void cleanupTestCase()
+    {
+        m_orb.reset();
+        ORB_base::destroyProcessOrb();
+    }
+
+    void minimalHostStartsAndEnds_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("benchtop") << QStringList{"-res", "1280x800", "-systype", "benchtop"};
+        QTest::newRow("handheld") << QStringList{"-res", "480x800", "-systype", "handheld"};
+    }
+
+    void minimalHostStartsAndEnds()
+    {
+        QFETCH(QStringList, arguments);
+        QProcessEnvironment environment = installedEnvironment();
+        environment.remove(QStringLiteral("ORBInitRef"));
+        QString output;
+        QCOMPARE(run(example("minimal-host", "tz-minimal-host"), arguments + QStringList{"-quit-after", "300"},
+                     environment, &output),
+                 0);
+        QVERIFY2(output.contains("tz-minimal-host: desktop shown\n"), qPrintable(output));
+        QVERIFY2(output.contains("tz-minimal-host: exit 0\n"), qPrintable(output));
+    }
+
+    void designerFormCreatesKitWidgets_data()
+    {
+        QTest::addColumn<QString>("widget");
+        QTest::newRow("push button") << "Lumaro::gui::PushButtonImpl RunButton";
+        QTest::newRow("horizontal scroll bar") << "Lumaro::gui::HorizontalScrollBarImpl LevelScrollBar";
+        QTest::newRow("vertical scroll bar") << "Lumaro::gui::VerticalScrollBarImpl ListScrollBar";
+        QTest::newRow("rotatable label") << "RotatableLabel AxisLabel";
+    }
+
+    void designerFormCreatesKitWidgets()
+    {
+        QFETCH(QString, widget);
+        QProcessEnvironment environment = installedEnvironment();
+        environment.remove(QStringLiteral("ORBInitRef"));
+        // The plug-in comes from the prefix alone, not from Qt's own plug-in folders.
+        environment.remove(QStringLiteral("QT_PLUGIN_PATH"));
+        QString output;
+        QCOMPARE(run(example("designer-form", "tz-designer-form"), {"-quit-after", "100"}, environment, &output), 0);
+        QVERIFY2(output.contains("tz-designer-form: " + widget + "\n"), qPrintable(output));
+    }
+
+    void engineOpensDialogOnMinimalHost()
+    {
+        ChildProcess host;
+        QVERIFY(host.start(example("minimal-host", "tz-minimal-host"), m_naming.orbArguments(), installedEnvironment(),
+                           QStringLiteral("desktop shown")));
+        const QStringList orb = m_naming.orbArguments();
+        QString screens;
+        QTRY_VERIFY_WITH_TIMEOUT((run(QStringLiteral(TZ_GUI_CLIENT), orb + QStringList{"--screens"},
+                                      QProcessEnvironment::systemEnvironment(), &screens),
+                                  screens.contains("Readings\n")),
+                                 15000);
+
+        // The desktop manager placed the container at its first place, and the host's
+        // layout store answers for it.
+        QTemporaryDir directory;
+        const QString layout = directory.filePath(QStringLiteral("layout.xml"));
+        QCOMPARE(run(QStringLiteral(TZ_GUI_CLIENT), orb + QStringList{"--save-state", layout}), 0);
+        QCOMPARE(screenPosition(layout, QStringLiteral("Readings")), QStringLiteral("30,150"));
+
+        ChildProcess engine;
+        QVERIFY(engine.start(example("engine", "tz-example-engine"), orb + QStringList{"--index", "61", "--no-wait"},
+                             installedEnvironment(), QStringLiteral("READY")));
+        QVERIFY(moduleBound("61"));
+        QTRY_COMPARE_WITH_TIMEOUT(run(QStringLiteral(TZ_GUI_CLIENT), orb + QStringList{"--active", "Example engine"}), 0,
+                                  10000);
+
+        // The attribute is lockable through the engine's lock manager, and the engine
+        // hears of each change of its holder.
+        CORBA::Object_var object = m_orb->ResolveName(std::string(Names::GuiAbleContext) + "/61");
+        GUI_Able_var module = GUI_Able::_narrow(object);
+        QVERIFY(!CORBA::is_nil(module));
+        EngineAttribVoid_var attribute = EngineAttribVoid::_narrow(EngineReadingBase_var(module->FindAttribute("EXAMPLEACTION1")));
+        QVERIFY(!CORBA::is_nil(attribute));
+        LockManager_var locks = LockManager::_narrow(CORBA::Object_var(m_orb->ResolveName(Names::LockerPath)));
+        QVERIFY(!CORBA::is_nil(locks));
+        const LockerID me = locks->LockerIdentity("tst_examples");
+        Lock_Authority_var authority = locks->Authority(me);
+        const CORBA::Long handle = attribute->Lock(authority.in());
+        QTRY_VERIFY(engine.output().contains("LOCK held\n"));
+        attribute->Unlock(me, handle);
+        QTRY_VERIFY(engine.output().contains("LOCK free\n"));
+
+        // Stopped, it takes its module away.
+        QCOMPARE(engine.stop(), 0);
+        QVERIFY(!moduleBound("61"));
+        QCOMPARE(run(QStringLiteral(TZ_GUI_CLIENT), orb + QStringList{"--close-dialog", "Example engine"}), 0);
+    }
+
+    void designerFormBindsToExampleEngine()
+    {
+        ChildProcess engine;
+        QVERIFY(engine.start(example("engine", "tz-example-engine"), m_naming.orbArguments() + QStringList{"--index", "62"},
+                             installedEnvironment(), QStringLiteral("READY")));
+        ChildProcess form;
+        QVERIFY(form.start(example("designer-form", "tz-designer-form"), m_naming.orbArguments(), installedEnvironment(),
+                           QStringLiteral("RunButton bound to EXAMPLEACTION1"), 20000));
+        QCOMPARE(engine.stop(), 0);
+    }
+
+private:
+    // The "pos" of the screen \a name in a stored layout; empty when it is not there.
+    static QString screenPosition(const QString& layoutFile, const QString& name)
+    {
+        QFile file(layoutFile);
+        if (!file.open(QIODevice::ReadOnly))
+            return QString();
+        QXmlStreamReader reader(&file);
+        while (!reader.atEnd()) {
+            if (reader.readNext() == QXmlStreamReader::StartElement && reader.name() == QLatin1String("screen")
+                && reader.attributes().value(QLatin1String("name")) == name)
+                return reader.attributes().value(QLatin1String("pos")).toString();
+        }
+        return QString();
+    }
+
+    bool moduleBound(const std::string& index)
+    {
+        const std::vector<std::string> names = m_orb->FindChildContext(Names::GuiAbleContext);
+        return std::find(names.begin(), names.end(), index) != names.end();
+    }
+
+    static int run(const QString& program, const QStringList& arguments,
+                   const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment(),
+                   QString* output = nullptr)
+    {
+        ChildProcess process;
+        process.setOutputIncludesErrors(true);
+        const int code = process.start(program, arguments, environment, {}) ? process.wait(20000) : -1;
+        if (output)
+            *output = process.output();
+        return code;
+    }
+
+    NamingServiceProcess m_naming;
+    std::unique_ptr<ORB_wrapper_base> m_orb;
+};
+
+QTEST_MAIN(TestExamples)
+#include "tst_examples.moc"
