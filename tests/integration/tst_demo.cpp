@@ -125,7 +125,7 @@ void TestDemo::programsAnswerHelpAndVersion_data()
     QTest::newRow("tz-engine-simulator") << QStringLiteral(TZ_ENGINE_SIMULATOR) << QStringLiteral("tz-engine-simulator");
     QTest::newRow("tz-gui-client") << QStringLiteral(TZ_GUI_CLIENT) << QStringLiteral("tz-gui-client");
     // The scripts answer before they would install, build or start anything.
-    for (const char* script : {"demo", "run-demo", "setup", "test", "soak"})
+    for (const char* script : {"demo", "run-demo", "setup", "test", "soak", "screenshots"})
         QTest::newRow(script) << QStringLiteral(TZ_SOURCE_DIR "/scripts/%1").arg(QLatin1String(script)) << QString::fromLatin1(script);
 }
 
