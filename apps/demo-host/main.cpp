@@ -11,6 +11,7 @@
 #include "GlobalImpl.h"
 #include "HostWindow.h"
 #include "QTZMessageOutputControl.h"
+#include "StopSignalNotifier.h"
 
 #include <QApplication>
 #include <QDebug>
@@ -52,6 +53,10 @@ int main(int argc, char* argv[])
         window.showFullScreen();
     else
         window.show();
+
+    // A stop from outside (run-demo, a closing terminal) closes as the exit button does.
+    StopSignalNotifier stopSignals;
+    QObject::connect(&stopSignals, &StopSignalNotifier::stopRequested, &app, &QCoreApplication::quit);
 
     if (options.quitAfterMs() >= 0)
         QTimer::singleShot(options.quitAfterMs(), &window, &QWidget::close);
