@@ -9,6 +9,7 @@ StopSignals::StopSignals()
     sigemptyset(&m_signals);
     sigaddset(&m_signals, SIGTERM);
     sigaddset(&m_signals, SIGINT);
+    sigaddset(&m_signals, SIGHUP);
     pthread_sigmask(SIG_BLOCK, &m_signals, nullptr);
 }
 

@@ -6,17 +6,17 @@
 namespace Orvanth {
 
 /**
- * SIGTERM and SIGINT as a request to stop, for engine programs.
+ * SIGTERM, SIGINT and SIGHUP (a closing terminal) as a request to stop, for engine programs.
  *
- * Build it first thing in main(), before any ORB or DDS thread exists: it blocks both
- * signals, the threads started later inherit the mask, and so only wait() sees them.
+ * Build it first thing in main(), before any ORB or DDS thread exists: it blocks them;
+ * the threads started later inherit the mask, so only wait() sees them.
  */
 class StopSignals
 {
 public:
     StopSignals();
 
-    /// Blocks until SIGTERM or SIGINT arrives; returns the signal.
+    /// Blocks until one of them arrives; returns the signal.
     int wait() const;
 
 private:
