@@ -9,6 +9,7 @@
 #include "NamingServiceImpl.h"
 
 #include <QDebug>
+#include <QFrame>
 #include <QLabel>
 #include <QThreadPool>
 #include <QVBoxLayout>
@@ -96,11 +97,17 @@ void DemoNavigation::addModuleButton(const QString& index)
     const QString title = tr("Module %1").arg(index);
     auto* screen = new ContainerImpl(m_desktop);
     screen->setWindowTitle(title);
-    auto* layout = new QVBoxLayout;
-    auto* text = new QLabel(tr("Engine GUI module %1, announced by module discovery.").arg(index));
+    // The module's form: a frame named "ContainerFrame", whose minimum is the screen's.
+    auto* form = new QFrame;
+    form->setObjectName(QStringLiteral("ContainerFrame"));
+    form->setMinimumSize(220, 100);
+    auto* text = new QLabel(tr("Engine GUI module %1, announced by module discovery.").arg(index), form);
     text->setStyleSheet(QStringLiteral("color: white;"));
     text->setWordWrap(true);
-    layout->addWidget(text);
+    (new QVBoxLayout(form))->addWidget(text);
+    auto* layout = new QVBoxLayout;
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(form);
     screen->setLayout(layout);
     screen->init();
     GlobalImpl* registry = GlobalImpl::getInstance();
