@@ -91,6 +91,12 @@ void SimulatedAttributes::addTo(const ORB_base& orb, GuiAbleServant& module)
     m_activated = true;
 }
 
+void SimulatedAttributes::withdrawFrom(GuiAbleServant& module)
+{
+    for (const char* name : {ActionName, DisplayModeName, RefOscillatorName, MenuBarTimeoutName})
+        module.removeAttribute(name);
+}
+
 void SimulatedAttributes::deactivate(const ORB_base& orb)
 {
     if (!m_activated)

@@ -47,7 +47,11 @@ public:
     /// through \a module.
     void addTo(const ORB_base& orb, Orvanth::GuiAbleServant& module);
 
-    /// Deactivates every attribute; calls on them fail from now on.
+    /// Takes the attributes out of \a module: its FindAttribute finds none of them.
+    void withdrawFrom(Orvanth::GuiAbleServant& module);
+
+    /// Deactivates every attribute; calls on them fail from now on. addTo() activates
+    /// them again, under new references.
     void deactivate(const ORB_base& orb);
 
     /// Publishes the current values again, for readers that joined since the last change.

@@ -154,11 +154,26 @@ void SimulatedEngine::churnModule()
     const int index = m_options.modules;
     if (index < 1)
         return;
+    // The attributes are served while a module is: with the last module they go too,
+    // before it is announced gone, so calls on them fail from then on, and they come back
+    // with it under new references.
+    const bool last = std::count_if(m_bound.begin(), m_bound.end(), [](const auto& bound) { return bound.second; })
+                      == (m_bound[index] ? 1 : 0);
     try {
-        if (m_bound[index])
+        if (m_bound[index]) {
+            if (last) {
+                for (auto& module : m_modules)
+                    m_attributes.withdrawFrom(*module.second);
+                m_attributes.deactivate(m_orb);
+            }
             unbindModule(index);
-        else
+        } else {
+            if (last) {
+                for (auto& module : m_modules)
+                    m_attributes.addTo(m_orb, *module.second);
+            }
             bindModule(index);
+        }
     } catch (const CORBA::Exception& e) {
         announce("module " + std::to_string(index) + " churn failed: " + e._name());
     }

@@ -99,7 +99,8 @@ const std::vector<OptionEntry>& optionTable()
         {"modules", "N", std::string("GUI modules bound as ") + Orvanth::Names::GuiAbleContext + "/1 .. N (default 2)",
          [](SimulatorOptions& o, const std::string& v) { return toInt(v, 0, 1000, &o.modules); }},
         {"module-churn", "SECONDS",
-         "every SECONDS the highest module goes (destroy,N) or comes back (create,N); 0: never (default 0)",
+         "every SECONDS the highest module goes (destroy,N) or comes back (create,N); the last module "
+         "takes the attributes along and brings them back under new references; 0: never (default 0)",
          [](SimulatorOptions& o, const std::string& v) { return toDouble(v, 0.0, 86400.0, &o.moduleChurnSeconds); }},
         {"value-period-ms", "MS", "how often attribute values are published again besides on change (default 5000)",
          [](SimulatorOptions& o, const std::string& v) { return toInt(v, 10, 3600000, &o.valuePeriodMs); }},
