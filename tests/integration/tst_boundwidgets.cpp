@@ -1,7 +1,7 @@
 // The bound widgets against a real omniNames and the engine simulator: binding by name,
 // the overlay following the engine's lock (throttled by the update delay), a refused and
-// a granted lock on a touch, a lost engine, and a push button's Set reaching the engine
-// with this user interface's locker id, from the pool.
+// a granted lock on a touch, a lost engine, widgets coming back with their engine, and a
+// push button's Set reaching the engine with this user interface's locker id, from the pool.
 
 #include "LogCapture.h"
 #include "SimulatorSession.h"
@@ -27,6 +27,10 @@ namespace {
 const QString action = QStringLiteral("RUNACTION1");
 const QString held = QStringLiteral("LOCK RUNACTION1 held");
 const QString freed = QStringLiteral("LOCK RUNACTION1 free");
+// Time between the engine's going and coming back: room for a case's steps in between.
+constexpr int churnSeconds = 5;
+constexpr int crowdSize = 200;
+constexpr int crowdChurnSeconds = 8;
 
 // A push button in a module window as the widgets find it: marked "TopContainerObject", with a title.
 struct ModuleWindow
@@ -70,7 +74,10 @@ private slots:
     void bindsByNameAndFollowsTheEnginesLock();
     void showsTheLastLockStateAfterOneUpdateDelay();
     void touchIsRefusedWhileAnotherHoldsTheLock();
-    void lostEngineUnbindsAndShowsLocked();
+    void lostEngineIsShownAndToldOnce();
+    void widgetsComeBackWithTheirEngine_data();
+    void widgetsComeBackWithTheirEngine();
+    void twoHundredWidgetsComeBackTogether();
     void pressSendsSetWithOurLockerId_data();
     void pressSendsSetWithOurLockerId();
 
@@ -173,7 +180,7 @@ void TestBoundWidgets::touchIsRefusedWhileAnotherHoldsTheLock()
     QVERIFY(!host.button->lockOverlay()->isVisible());
 }
 
-void TestBoundWidgets::lostEngineUnbindsAndShowsLocked()
+void TestBoundWidgets::lostEngineIsShownAndToldOnce()
 {
     SimulatorSession engine;
     QVERIFY(engine.start(m_naming));
@@ -204,16 +211,109 @@ void TestBoundWidgets::lostEngineUnbindsAndShowsLocked()
              qPrintable(message));
     QTRY_COMPARE(statusBar.lastText(), message);
 
+    QCOMPARE(host.button->attributeState(), WidgetBaseImpl::EngineLost);
+    // Lost, the button takes no press: nothing is sent, nothing more is told.
+    QTest::mouseClick(host.button->button(), Qt::LeftButton);
+    QThreadPool::globalInstance()->waitForDone();
+    QCOMPARE(clicked.count(), 1);
+    QCOMPARE(posted.count(), 1);
+
     // A lock notice that still comes (from another publisher of the topic) makes the
-    // other widget ask the engine, which fails: unbound and shown locked.
+    // other widget ask the engine, which fails: shown lost, not locked.
     Orvanth::TopicPublisher<Orvanth::TKWW_DDS::ATTR_VOIDPubSubType> notices("Lumaro/local/LOCK/RUNACTION1");
     // Both widgets keep their readers: a notice sent before the watcher's is matched is lost.
     QVERIFY(notices.waitForSubscribers(2, std::chrono::seconds(5)));
     QVERIFY(notices.publish(Orvanth::TKWW_DDS::ATTR_VOID()));
     QTRY_VERIFY_WITH_TIMEOUT(!watcherPosted.isEmpty(), 10000);
     QVERIFY(!watcher.button->hasReading());
-    QVERIFY(watcher.button->isLocked());
-    QVERIFY(watcher.button->lockOverlay()->isVisible());
+    QCOMPARE(watcher.button->attributeState(), WidgetBaseImpl::EngineLost);
+    QVERIFY(!watcher.button->isLocked());
+    QVERIFY(!watcher.button->lockOverlay()->isVisible());
+    QVERIFY(watcher.button->engineLostOverlay()->isVisible());
+}
+
+void TestBoundWidgets::widgetsComeBackWithTheirEngine_data()
+{
+    QTest::addColumn<bool>("byName");
+    QTest::newRow("bound by name") << true;
+    QTest::newRow("bound by reference") << false;
+}
+
+void TestBoundWidgets::widgetsComeBackWithTheirEngine()
+{
+    QFETCH(bool, byName);
+    // The engine's attributes go with its module and come back with new references.
+    SimulatorSession engine;
+    QVERIFY(engine.start(m_naming, {"--module-churn", QString::number(churnSeconds)}));
+    engine.discovery().postInit();
+    ModuleWindow host;
+    host.button->setAttributeName(action);
+    QSignalSpy finished(host.button, &WidgetBaseImpl::bindingFinished);
+    if (byName)
+        host.button->bindAttributeByName();
+    else
+        host.button->bindAttribute(Orvanth::EngineAttribBase_var(engine.attribute(action)).in());
+    QTRY_COMPARE_WITH_TIMEOUT(host.button->attributeState(), WidgetBaseImpl::Free, 5000);
+    // Another user interface holds the lock while the engine is away.
+    Orvanth::Locker other;
+    Orvanth::Lock_Authority_var authority = other.LockAuthority();
+    const CORBA::Long handle = engine.attribute(action)->Lock(authority.in());
+    QTRY_COMPARE_WITH_TIMEOUT(host.button->attributeState(), WidgetBaseImpl::Locked, 5000);
+
+    QSignalSpy posted(host.button, &WidgetBaseImpl::exceptionMessage);
+    QSignalSpy states(host.button, &WidgetBaseImpl::attributeStateChanged);
+    QVERIFY(engine.waitForLine(QStringLiteral("MODULE destroy,1"), 1, churnSeconds * 1000 + 5000));
+    QTRY_COMPARE_WITH_TIMEOUT(host.button->attributeState(), WidgetBaseImpl::EngineLost, 5000);
+    QCOMPARE(posted.count(), 1);
+    QVERIFY(posted.first().at(0).toString().startsWith(QLatin1String("CORBA::OBJECT_NOT_EXIST RUNACTION1")));
+    QVERIFY(!host.button->lockOverlay()->isVisible());
+
+    // Back without a word from the host: bound anew, asked again, and shown as it stands.
+    QVERIFY(engine.waitForLine(QStringLiteral("MODULE create,1"), 2, churnSeconds * 1000 + 5000));
+    QTRY_COMPARE_WITH_TIMEOUT(host.button->attributeState(), WidgetBaseImpl::Locked, 5000);
+    QVERIFY(host.button->lockOverlay()->isVisible());
+    QVERIFY(!host.button->engineLostOverlay()->isVisible());
+    QCOMPARE(posted.count(), 1);
+    QCOMPARE(host.button->attributeFeed()->moduleIndex(), QStringLiteral("1"));
+    engine.attribute(action)->Unlock(other.MyLockerID(), handle);
+    QTRY_COMPARE_WITH_TIMEOUT(host.button->attributeState(), WidgetBaseImpl::Free, 5000);
+    QCOMPARE(states.count(), 3);
+    // The new references take the press.
+    QTest::mouseClick(host.button->button(), Qt::LeftButton);
+    QVERIFY(engine.waitForLine(QStringLiteral("ACTION RUNACTION1")));
+}
+
+void TestBoundWidgets::twoHundredWidgetsComeBackTogether()
+{
+    SimulatorSession engine;
+    QVERIFY(engine.start(m_naming, {"--module-churn", QString::number(crowdChurnSeconds)}));
+    engine.discovery().postInit();
+    QWidget window;
+    window.setObjectName(QStringLiteral("TopContainerObject"));
+    window.setWindowTitle(QStringLiteral("Crowd"));
+    std::vector<WidgetBaseImpl*> widgets;
+    std::vector<std::unique_ptr<QSignalSpy>> posted;
+    for (int i = 0; i < crowdSize; ++i) {
+        auto* widget = new WidgetBaseImpl(&window);
+        widget->setAttributeName(action);
+        widget->bindAttributeByName();
+        widgets.push_back(widget);
+        posted.push_back(std::make_unique<QSignalSpy>(widget, &WidgetBaseImpl::exceptionMessage));
+    }
+    const auto countIn = [&widgets](WidgetBaseImpl::AttributeState state) {
+        return int(std::count_if(widgets.begin(), widgets.end(),
+                                 [state](const WidgetBaseImpl* widget) { return widget->attributeState() == state; }));
+    };
+    QTRY_COMPARE_WITH_TIMEOUT(countIn(WidgetBaseImpl::Free), crowdSize, 20000);
+    QVERIFY(engine.count(QStringLiteral("MODULE destroy,1")) == 0);
+    LogCapture log;
+    QTRY_COMPARE_WITH_TIMEOUT(countIn(WidgetBaseImpl::EngineLost), crowdSize, crowdChurnSeconds * 1000 + 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(countIn(WidgetBaseImpl::Free), crowdSize, crowdChurnSeconds * 1000 + 5000);
+    // Each widget told of its loss once, and came back by the same reader it had.
+    QCOMPARE(int(std::count_if(posted.begin(), posted.end(), [](const auto& spy) { return spy->count() == 1; })),
+             crowdSize);
+    QCOMPARE(log.linesContaining(QStringLiteral("error, disconnecting")).size(), crowdSize);
+    QCOMPARE(log.linesContaining(QStringLiteral("Engine back for")).size(), crowdSize);
 }
 
 void TestBoundWidgets::pressSendsSetWithOurLockerId_data()

@@ -9,6 +9,7 @@
 #include "QTZTextEditor.h"
 #include "RotatableLabel.h"
 #include "ScrollBarImpl.h"
+#include "SpeechBubbleImpl.h"
 
 #include <QBuffer>
 #include <QLabel>
@@ -51,6 +52,8 @@ private slots:
 
     void feedAndTouchesDriveTheWidget_data();
     void feedAndTouchesDriveTheWidget();
+    void longPressTellsTheBinding_data();
+    void longPressTellsTheBinding();
     void criticalButtonKeepsItsLookAcrossSizes();
     void scrollBarTouchJumpsOrSteps_data();
     void scrollBarTouchJumpsOrSteps();
@@ -78,8 +81,8 @@ void TestKit::cleanup()
 void TestKit::feedAndTouchesDriveTheWidget_data()
 {
     // Events: what the attribute feed reports ("bound", "bound-locked", "free" and
-    // "locked" notices, "taken" and "refused" engine locks, "lost" and "lost-locked"
-    // engines, a "missing" attribute), touches ("touch", "ctrl-touch", "outside"), a
+    // "locked" notices, "taken" and "refused" engine locks, a call that finds the engine
+    // "lost", a "missing" attribute), touches ("touch", "ctrl-touch", "outside"), a
     // "press" of the push button and "other-entry" (another widget takes the entry slot).
     QTest::addColumn<bool>("button");
     QTest::addColumn<QString>("events");
@@ -92,7 +95,10 @@ void TestKit::feedAndTouchesDriveTheWidget_data()
     row("lock notices on a button", true, "bound-locked free locked", "bound overlay badge|-|overlay badge locked");
     row("lock taken for an entry", false, "bound taken", "bound|locked entry");
     row("lock refused", false, "locked refused", "overlay padlock locked|overlay padlock");
-    row("engine lost", false, "bound lost bound lost-locked", "bound|posted|bound|overlay padlock locked posted");
+    // One message per loss however many calls fail; input refused until the engine is back.
+    row("engine lost", false, "bound lost lost touch bound lost", "bound|lost posted|lost|lost|bound|lost posted");
+    row("engine lost while locked", false, "bound-locked lost", "bound overlay padlock|lost posted");
+    row("engine lost under a button", true, "bound-locked lost press", "bound overlay badge|lost posted|lost");
     row("attribute missing", false, "missing", "unbound");
     row("touches of an unbound widget", false, "outside ctrl-touch ctrl-touch touch", "-|quiet|-|entry");
     row("presses of an unbound button", true, "press other-entry press", "pressed|-|pressed");
@@ -124,8 +130,7 @@ void TestKit::feedAndTouchesDriveTheWidget()
         {"locked", [feed] { emit feed->lockChanged(true); }},
         {"taken", [feed] { emit feed->lockTaken(true, 7); }},
         {"refused", [feed] { emit feed->lockRefused(QStringLiteral("Orvanth::LockRefused")); }},
-        {"lost", [feed] { emit feed->engineLost(QStringLiteral("CORBA::TRANSIENT"), false); }},
-        {"lost-locked", [feed] { emit feed->engineLost(QStringLiteral("CORBA::TRANSIENT"), true); }},
+        {"lost", [feed] { emit feed->engineLost(QStringLiteral("CORBA::TRANSIENT")); }},
         {"missing", [feed] { emit feed->attributeNotFound(); }},
         {"other-entry", [&otherEditor] { GlobalImpl::getInstance()->setEntryMechanism(&otherEditor); }},
         {"press", [pushButton] { QTest::mouseClick(pushButton->button(), Qt::LeftButton); }},
@@ -144,6 +149,7 @@ void TestKit::feedAndTouchesDriveTheWidget()
                                 overlay->isVisible() && overlay->styleSheet().contains("lock.png") ? "padlock" : "",
                                 button && pushButton->lockBadge()->text() == QLatin1String("Locked  ") ? "badge" : "",
                                 widget->isLocked() ? "locked" : "",
+                                widget->engineLostOverlay()->isVisible() ? "lost" : "",
                                 GlobalImpl::getInstance()->entryMechanism() == widget ? "entry" : "",
                                 widget->getSuppressDebug() ? "quiet" : "", !posted.isEmpty() ? "posted" : "",
                                 pressed && !pressed->isEmpty() ? "pressed" : ""};
@@ -154,8 +160,98 @@ void TestKit::feedAndTouchesDriveTheWidget()
     // The overlay covers the widget, and keeps covering it as it grows.
     widget->resize(200, 90);
     QCOMPARE(widget->lockOverlay()->size(), QSize(200, 90));
-    if (events.contains(QLatin1String("lost")))
+    if (events.contains(QLatin1String("lost"))) {
         QCOMPARE(statusBar.lastText(), QStringLiteral("CORBA::TRANSIENT RUNACTION1, disconnecting from engine: Signal Generator"));
+        QCOMPARE(widget->engineLostOverlay()->size(), QSize(200, 90));
+        // On top of whatever the widget holds, so that touches reach nothing else.
+        if (widget->attributeState() == WidgetBaseImpl::EngineLost)
+            QCOMPARE(widget->childAt(100, 45), widget->engineLostOverlay());
+    }
+}
+
+void TestKit::longPressTellsTheBinding_data()
+{
+    // The kind of widget ("base", the push "button", a "host" widget derived from the
+    // base with a button of its own), what the feed reports first, how the bubble is
+    // asked for (a "right" click or a press "held"), and the bubble's lines (TIME for
+    // the time of the last value).
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("events");
+    QTest::addColumn<QString>("gesture");
+    QTest::addColumn<QString>("lines");
+    const QString head = QStringLiteral("Engine module: unknown|Attribute: RUNACTION1|");
+    QTest::newRow("unbound") << "base" << "" << "right" << head + "Last value: none|State: not bound";
+    QTest::newRow("free") << "button" << "bound" << "held" << head + "Last value: TIME|State: live";
+    QTest::newRow("locked by another") << "base" << "bound locked" << "held"
+                                       << head + "Locked by: another user interface|Last value: TIME|State: locked";
+    QTest::newRow("lock held here") << "base" << "bound taken" << "right"
+                                    << head + "Locked by: this display|Last value: TIME|State: live";
+    QTest::newRow("engine lost") << "button" << "bound lost" << "held" << head + "Last value: TIME|State: engine lost";
+    QTest::newRow("host widget") << "host" << "bound" << "held" << head + "Last value: TIME|State: live";
+}
+
+void TestKit::longPressTellsTheBinding()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, events);
+    QFETCH(QString, gesture);
+    QFETCH(QString, lines);
+    QWidget window;
+    window.resize(400, 300);
+    WidgetBaseImpl* widget = nullptr;
+    QPushButton* pressed = nullptr;
+    if (kind == QLatin1String("button")) {
+        auto* button = new PushButtonImpl(&window);
+        pressed = button->button();
+        widget = button;
+    } else {
+        widget = new WidgetBaseImpl(&window);
+        if (kind == QLatin1String("host")) {
+            // A child made after the base, as a host's own widget makes its parts.
+            pressed = new QPushButton(QStringLiteral("Set"), widget);
+            pressed->setGeometry(0, 0, 160, 80);
+        }
+    }
+    widget->setAttributeName(QStringLiteral("RUNACTION1"));
+    widget->setGeometry(20, 150, 160, 80);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    AttributeFeed* feed = widget->attributeFeed();
+    for (const QString& event : events.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        if (event == QLatin1String("bound"))
+            emit feed->bindingFinished(true, false);
+        else if (event == QLatin1String("locked"))
+            emit feed->lockChanged(true);
+        else if (event == QLatin1String("taken"))
+            emit feed->lockTaken(true, 7);
+        else if (event == QLatin1String("lost"))
+            emit feed->engineLost(QStringLiteral("CORBA::TRANSIENT"));
+    }
+    QWidget* const entry = GlobalImpl::getInstance()->entryMechanism();
+    QSignalSpy clicked(pressed ? pressed : static_cast<QObject*>(widget), pressed ? SIGNAL(clicked()) : SIGNAL(destroyed()));
+    QWidget* target = pressed ? static_cast<QWidget*>(pressed) : widget;
+    const QPoint spot(30, 30);
+    if (gesture == QLatin1String("right")) {
+        QTest::mouseClick(target, Qt::RightButton, Qt::NoModifier, spot);
+    } else {
+        QTest::mousePress(target, Qt::LeftButton, Qt::NoModifier, spot);
+        QTRY_VERIFY(window.findChild<SpeechBubbleImpl*>(QStringLiteral("BindingInfoBubble")));
+        QTest::mouseRelease(target, Qt::LeftButton, Qt::NoModifier, spot);
+    }
+    auto* bubble = window.findChild<SpeechBubbleImpl*>(QStringLiteral("BindingInfoBubble"));
+    QVERIFY(bubble && bubble->isVisible());
+    QString text = bubble->text();
+    text.replace(QRegularExpression(QStringLiteral("\\d\\d:\\d\\d:\\d\\d")), QStringLiteral("TIME"));
+    QCOMPARE(text.split(QChar::LineSeparator).join(QLatin1Char('|')), lines);
+    // The long press clicked nothing nor left a button pressed, and the next touch only
+    // closes the bubble.
+    QCOMPARE(clicked.count(), 0);
+    QVERIFY(!pressed || !pressed->isDown());
+    QSignalSpy closed(bubble, &SpeechBubbleImpl::finished);
+    QTest::mouseClick(target, Qt::LeftButton, Qt::NoModifier, spot);
+    QVERIFY(closed.wait(SpeechBubbleImpl::FadeTimeMs + 2000));
+    QCOMPARE(clicked.count(), 0);
+    QCOMPARE(GlobalImpl::getInstance()->entryMechanism(), entry);
 }
 
 void TestKit::criticalButtonKeepsItsLookAcrossSizes()
@@ -443,7 +539,8 @@ void TestKit::designerPluginOffersTheKit()
 
     // A form that uses the kit loads, its properties (a kit enumeration included) set.
     QByteArray ui = "<ui version=\"4.0\"><widget class=\"QWidget\" name=\"Form\">"
-                    "<widget class=\"Lumaro::gui::PushButtonImpl\" name=\"w0\"/>"
+                    "<widget class=\"Lumaro::gui::PushButtonImpl\" name=\"w0\"><property name=\"EngineLostPreview\">"
+                    "<bool>true</bool></property></widget>"
                     "<widget class=\"RotatableLabel\" name=\"w1\"><property name=\"LabelText\"><string>Power</string>"
                     "</property></widget><widget class=\"Lumaro::gui::HorizontalScrollBarImpl\" name=\"w2\"/>"
                     "<widget class=\"Lumaro::gui::VerticalScrollBarImpl\" name=\"w3\"><property name=\"Style\">"
@@ -458,6 +555,10 @@ void TestKit::designerPluginOffersTheKit()
         QCOMPARE(loaded->findChild<QWidget*>(QStringLiteral("w%1").arg(i))->metaObject()->className(),
                  qPrintable(classes.at(i)));
     QCOMPARE(loaded->findChild<QWidget*>("w1")->property("LabelText").toString(), QStringLiteral("Power"));
+    // A designer previews the lost look; the widget's state stays its own.
+    auto* previewed = loaded->findChild<WidgetBaseImpl*>("w0");
+    QVERIFY(!previewed->engineLostOverlay()->isHidden());
+    QCOMPARE(previewed->attributeState(), WidgetBaseImpl::Unbound);
     QCOMPARE(loaded->findChild<QWidget*>("w3")->property("Style").toInt(), int(ScrollBarImpl::WITH_SCROLL_ARROWS));
 }
 

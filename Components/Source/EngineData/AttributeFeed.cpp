@@ -22,6 +22,8 @@
 #include <deque>
 #include <mutex>
 #include <optional>
+#include <set>
+#include <utility>
 
 namespace {
 
@@ -48,14 +50,29 @@ Orvanth::Lock_Authority currentLockAuthority()
     return gateway ? gateway->getLockAuthority() : Orvanth::Lock_Authority{};
 }
 
-/// The reason engineLost() names for a lost connection, or empty for other failures.
+/// The reason engineLost() names for a lost engine, or empty for other failures. An
+/// object that no longer exists belongs to an engine that went, or came back anew.
 QString connectionLoss(const CORBA::Exception& exception)
 {
     if (CORBA::TRANSIENT::_downcast(&exception))
         return QStringLiteral("CORBA::TRANSIENT");
     if (CORBA::COMM_FAILURE::_downcast(&exception))
         return QStringLiteral("CORBA::COMM_FAILURE");
+    if (CORBA::OBJECT_NOT_EXIST::_downcast(&exception))
+        return QStringLiteral("CORBA::OBJECT_NOT_EXIST");
     return QString();
+}
+
+/// Whether the engine behind \a reading answers for it (one light remote call).
+bool answers(Orvanth::EngineReadingBase_ptr reading)
+{
+    if (CORBA::is_nil(reading))
+        return false;
+    try {
+        return !reading->_non_existent();
+    } catch (const CORBA::Exception&) {
+        return false;
+    }
 }
 
 } // namespace
@@ -237,6 +254,20 @@ public:
         enqueue([this] { queryLock(); });
     }
 
+    /// Whether the feed reads \a topic already: a binding after a lost engine keeps the
+    /// reader it has instead of adding one each time the engine comes back.
+    bool follows(const std::string& topic) const
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_followedTopics.count(topic) != 0;
+    }
+
+    void noteFollowing(const std::string& topic)
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_followedTopics.insert(topic);
+    }
+
     /// The answer waiting for the feed, taken; false when there is none.
     bool takeLockAnswer(quint64* generation, bool* locked)
     {
@@ -297,8 +328,9 @@ private:
         } catch (const CORBA::Exception& exception) {
             const QString reason = connectionLoss(exception);
             if (!reason.isEmpty()) {
-                shownLocked = true;
-                post([generation, reason](AttributeFeed* feed) { feed->lose(generation, reason, true); });
+                // Whatever the engine says when it is back is news.
+                shownLocked.reset();
+                post([generation, reason](AttributeFeed* feed) { feed->lose(generation, reason); });
                 return;
             }
             CorbaFailure::logException(sourceFile, "MayAccess", __LINE__);
@@ -337,6 +369,7 @@ private:
     Orvanth::EngineAttribBase_var m_lockedAttribute;
     CORBA::Long m_lockHandle = 0;
     std::deque<std::function<void()>> m_work;
+    std::set<std::string> m_followedTopics;
     bool m_draining = false;
     bool m_queryQueued = false;
 };
@@ -359,7 +392,7 @@ QString AttributeFeed::CallHandle::attributeName() const
 void AttributeFeed::CallHandle::reportDisconnect(const QString& reason) const
 {
     const quint64 generation = m_generation;
-    m_link->post([generation, reason](AttributeFeed* feed) { feed->lose(generation, reason, false); });
+    m_link->post([generation, reason](AttributeFeed* feed) { feed->lose(generation, reason); });
 }
 
 void AttributeFeed::CallHandle::reportException(const QString& message) const
@@ -414,9 +447,13 @@ void AttributeFeed::bind(Orvanth::EngineReadingBase_ptr reading, int updateDelay
     const quint64 generation = renewGeneration();
     m_link->rebind(generation, reading);
     if (CORBA::is_nil(reading)) {
+        m_lost = false;
+        m_lostReading = Orvanth::EngineReadingBase::_nil();
         emit bindingFinished(false, false);
         return;
     }
+    if (NamingServiceImpl* discovery = GlobalImpl::getInstance()->namingService())
+        followDiscovery(discovery);
 
     const std::int32_t seconds = m_updateDelayMs / 1000;
     const std::uint32_t nanoseconds = std::uint32_t(m_updateDelayMs % 1000) * 1000000u;
@@ -435,6 +472,14 @@ void AttributeFeed::bind(Orvanth::EngineReadingBase_ptr reading, int updateDelay
             const CORBA::String_var topic = attribute->LockTopic();
             if (!link->adoptAttribute(generation, attribute))
                 return;
+            const std::string followed = std::string(topic.in()) + '@' + std::to_string(seconds) + '.'
+                                         + std::to_string(nanoseconds);
+            if (link->follows(followed)) {
+                const bool locked = !attribute->MayAccess(currentLockerID());
+                link->shownLocked = locked;
+                link->post([generation, locked](AttributeFeed* feed) { feed->finishBinding(generation, true, locked); });
+                return;
+            }
 
             // The callback holds no feed and no strong link: a notice after the feed has
             // gone does nothing, and the feed's destructor can end the subscription.
@@ -448,6 +493,7 @@ void AttributeFeed::bind(Orvanth::EngineReadingBase_ptr reading, int updateDelay
                 seconds, nanoseconds, eprosima::fastdds::dds::VOLATILE_DURABILITY_QOS);
             // The reader exists before the question below, so no change after it is missed.
             subscriber->waitForInitDone();
+            link->noteFollowing(followed);
             // Deleted with the lambda when the feed is gone before it adopts it.
             auto adopted = std::make_shared<std::unique_ptr<Orvanth::DDS_BaseObj>>(std::move(subscriber));
             link->post([adopted](AttributeFeed* feed) { feed->adoptSubscription(adopted->release()); });
@@ -460,7 +506,7 @@ void AttributeFeed::bind(Orvanth::EngineReadingBase_ptr reading, int updateDelay
             if (!reason.isEmpty()) {
                 link->post([generation, reason](AttributeFeed* feed) {
                     feed->finishBinding(generation, false, false);
-                    feed->lose(generation, reason, false);
+                    feed->lose(generation, reason);
                 });
                 return;
             }
@@ -499,9 +545,12 @@ void AttributeFeed::bindByName()
                 Orvanth::EngineReadingBase_var reading = module.second->FindAttribute(name.constData());
                 if (CORBA::is_nil(reading))
                     continue;
-                link->post([generation, reading](AttributeFeed* feed) {
-                    if (generation == feed->m_generation)
-                        feed->m_binder(reading.in());
+                const QString index = module.first;
+                link->post([generation, reading, index](AttributeFeed* feed) {
+                    if (generation != feed->m_generation)
+                        return;
+                    feed->m_moduleIndex = index;
+                    feed->m_binder(reading.in());
                 });
                 return;
             } catch (const CORBA::Exception& exception) {
@@ -521,16 +570,105 @@ void AttributeFeed::followDiscovery(NamingServiceImpl* discovery)
         disconnect(m_followedDiscovery, nullptr, this, nullptr);
     m_followedDiscovery = discovery;
     // Announced from DDS and pool threads: queued into this feed's thread.
-    connect(discovery, &NamingServiceImpl::NewGUIAble, this, [this] {
-        if (m_bindByName && !hasReading())
-            bindByName();
-    }, Qt::QueuedConnection);
+    connect(discovery, &NamingServiceImpl::NewGUIAble, this, &AttributeFeed::moduleAnnounced, Qt::QueuedConnection);
+    connect(discovery, &NamingServiceImpl::destroy, this, &AttributeFeed::moduleGone, Qt::QueuedConnection);
+}
+
+void AttributeFeed::moduleAnnounced()
+{
+    if (m_lost)
+        recover();
+    else if (m_bindByName && !hasReading())
+        bindByName();
+}
+
+void AttributeFeed::moduleGone()
+{
+    // The attribute may have gone with the module: a failing question finds out.
+    if (isBound())
+        m_link->requestLockQuery();
 }
 
 void AttributeFeed::notFound(quint64 generation)
 {
-    if (generation == m_generation)
+    // While the engine is lost the search goes on at each announcement, silently.
+    if (generation == m_generation && !m_lost)
         emit attributeNotFound();
+}
+
+void AttributeFeed::loseEngine()
+{
+    if (!m_lost) {
+        m_lost = true;
+        m_lostReading = m_link->reading();
+    }
+    m_link->rebind(renewGeneration(), Orvanth::EngineReadingBase::_nil());
+    if (!m_followedDiscovery) {
+        if (NamingServiceImpl* discovery = GlobalImpl::getInstance()->namingService())
+            followDiscovery(discovery);
+    }
+}
+
+void AttributeFeed::recover()
+{
+    if (m_recovering) {
+        m_recoverAgain = true;
+        return;
+    }
+    m_recovering = true;
+    const quint64 generation = m_generation;
+    QList<QPair<QString, Orvanth::GUI_Able_var>> modules;
+    if (m_followedDiscovery) {
+        for (const QString& index : m_followedDiscovery->getModuleList()) {
+            Orvanth::GUI_Able_var module = m_followedDiscovery->getModule(index);
+            if (!CORBA::is_nil(module))
+                modules.append({index, module});
+        }
+    }
+    const Orvanth::EngineReadingBase_var lostReading = m_lostReading;
+    const bool byName = m_bindByName;
+    const QByteArray name = attributeName().toUtf8();
+    const std::shared_ptr<Link> link = m_link;
+    m_link->enqueue([link, modules, lostReading, byName, name, generation] {
+        const auto bindTo = [&link, generation](Orvanth::EngineReadingBase_ptr found, const QString& index) {
+            Orvanth::EngineReadingBase_var reading = Orvanth::EngineReadingBase::_duplicate(found);
+            link->post([generation, reading, index](AttributeFeed* feed) {
+                feed->recoveryEnded();
+                if (generation != feed->m_generation || !feed->m_lost)
+                    return;
+                if (!index.isEmpty())
+                    feed->m_moduleIndex = index;
+                feed->m_binder(reading.in());
+            });
+        };
+        const auto lostAnswers = [&lostReading] {
+            ORB_base::setCallTimeout(lostReading.in(), CallTimeout);
+            return answers(lostReading.in());
+        };
+        // A reference given by the host is its first choice; a name looks the name up.
+        if (!byName && lostAnswers())
+            return bindTo(lostReading.in(), QString());
+        for (const auto& module : modules) {
+            try {
+                Orvanth::EngineReadingBase_var found = module.second->FindAttribute(name.constData());
+                ORB_base::setCallTimeout(found.in(), CallTimeout);
+                if (answers(found.in()))
+                    return bindTo(found.in(), module.first);
+            } catch (const CORBA::Exception&) {
+                // A module that is still gone; the next one may have the attribute.
+            }
+        }
+        if (byName && lostAnswers())
+            return bindTo(lostReading.in(), QString());
+        link->post([](AttributeFeed* feed) { feed->recoveryEnded(); });
+    });
+}
+
+void AttributeFeed::recoveryEnded()
+{
+    m_recovering = false;
+    if (std::exchange(m_recoverAgain, false) && m_lost)
+        recover();
 }
 
 bool AttributeFeed::hasReading() const
@@ -559,6 +697,8 @@ void AttributeFeed::finishBinding(quint64 generation, bool bound, bool locked)
     if (generation != m_generation)
         return;
     if (bound) {
+        m_lost = false;
+        m_lostReading = Orvanth::EngineReadingBase::_nil();
         // A new reader is matched with the engine's writer a little after it exists, and
         // a lock change in between sends a notice nobody reads: ask once more then.
         QTimer::singleShot(LockSettleDelay, this, [this, generation] {
@@ -582,10 +722,10 @@ void AttributeFeed::applyPendingLockAnswer()
         emit lockChanged(locked);
 }
 
-void AttributeFeed::lose(quint64 generation, const QString& reason, bool showLocked)
+void AttributeFeed::lose(quint64 generation, const QString& reason)
 {
     if (generation == m_generation)
-        emit engineLost(reason, showLocked);
+        emit engineLost(reason);
 }
 
 void AttributeFeed::acquireLock()
@@ -607,7 +747,7 @@ void AttributeFeed::acquireLock()
         } catch (const CORBA::Exception& exception) {
             const QString reason = connectionLoss(exception);
             if (!reason.isEmpty()) {
-                link->post([generation, reason](AttributeFeed* feed) { feed->lose(generation, reason, false); });
+                link->post([generation, reason](AttributeFeed* feed) { feed->lose(generation, reason); });
                 return;
             }
             const QString description = CorbaFailure::describe(exception);

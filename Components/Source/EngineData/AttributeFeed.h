@@ -27,6 +27,11 @@ class DDS_BaseObj;
  * Every remote call runs on the global thread pool, one call of a feed after the other;
  * lock notices arrive on DDS threads, which only hand them on. Each binding starts a new
  * epoch: outcomes of calls started before it are dropped. Lives in the GUI thread.
+ *
+ * A feed whose engine is lost keeps what it was bound to and binds again by itself when
+ * module discovery announces a module: by name, or by reference (the same reference when
+ * its engine answers it again, otherwise the attribute of that name). While a module
+ * goes, every bound feed asks its lock state once more, which finds a lost engine.
  */
 class TZUICOMPONENTS_EXPORT AttributeFeed : public QObject
 {
@@ -49,7 +54,7 @@ public:
     public:
         Orvanth::EngineReadingBase_var reading() const;
         QString attributeName() const;
-        /// engineLost(\a reason, false) in the GUI thread, unless the binding has changed.
+        /// engineLost(\a reason) in the GUI thread, unless the binding has changed.
         void reportDisconnect(const QString& reason) const;
         /// exceptionMessage(\a message) from the GUI thread.
         void reportException(const QString& message) const;
@@ -91,10 +96,18 @@ public:
     void bindByName();
     /// Starts a new epoch with no reading; its subscriptions stay.
     void unbind();
+    /// Starts a new epoch with no reading, keeps the lost one and binds again once module
+    /// discovery announces a module that may have brought the engine back.
+    void loseEngine();
 
     bool hasReading() const;
     bool isBound() const;
+    /// Whether the engine was lost and the feed has not been bound since.
+    bool isLost() const { return m_lost; }
     Orvanth::EngineReadingBase_var reading() const;
+    /// The index of the engine module the attribute was found in, empty when not known
+    /// (a reading given by reference).
+    QString moduleIndex() const { return m_moduleIndex; }
 
     /// Takes the engine lock with the registry's authority: lockTaken() or lockRefused().
     void acquireLock();
@@ -121,9 +134,9 @@ signals:
     void attributeNotFound();
     /// A lock notice or a question brought a new lock state.
     void lockChanged(bool locked);
-    /// The engine is gone (\a reason names the CORBA failure); \a showLocked asks the
-    /// widget to show the attribute locked meanwhile.
-    void engineLost(const QString& reason, bool showLocked);
+    /// A call of the current binding found the engine gone (\a reason names the CORBA
+    /// failure). Every failing call reports it; the owner tells a loss from the next.
+    void engineLost(const QString& reason);
     /// A touch's lock call ended: \a taken with its \a handle, or not taken because the
     /// feed was unbound meanwhile.
     void lockTaken(bool taken, qint32 handle);
@@ -140,8 +153,13 @@ private:
     void finishBinding(quint64 generation, bool bound, bool locked);
     void notFound(quint64 generation);
     void applyPendingLockAnswer();
-    void lose(quint64 generation, const QString& reason, bool showLocked);
+    void lose(quint64 generation, const QString& reason);
     quint64 renewGeneration();
+    void moduleAnnounced();
+    void moduleGone();
+    /// Looks for the lost attribute off the GUI thread and binds what answers.
+    void recover();
+    void recoveryEnded();
 
     // The engine references, shared with work on the pool and with DDS callbacks.
     std::shared_ptr<Link> m_link;
@@ -152,6 +170,13 @@ private:
     int m_updateDelayMs = 0;
     bool m_bindByName = false;
     QPointer<NamingServiceImpl> m_followedDiscovery;
+    bool m_lost = false;
+    // What a lost binding held, tried first when the feed was bound by reference.
+    Orvanth::EngineReadingBase_var m_lostReading;
+    QString m_moduleIndex;
+    // One recovery at a time; an announcement during one asks for another after it.
+    bool m_recovering = false;
+    bool m_recoverAgain = false;
 };
 
 #endif

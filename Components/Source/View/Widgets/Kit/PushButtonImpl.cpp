@@ -150,6 +150,9 @@ void PushButtonImpl::setLockImageVisible(const bool& visible)
 
 void PushButtonImpl::buttonClicked()
 {
+    // A lost engine takes no presses, nor announces them.
+    if (attributeState() == EngineLost)
+        return;
     GlobalImpl* registry = GlobalImpl::getInstance();
     const bool hasReading = this->hasReading();
     QWidget* entry = registry->entryMechanism();

@@ -1,7 +1,10 @@
 #include "WidgetBaseImpl.h"
 
+#include "BindingInfoBubble.h"
 #include "DesktopImpl.h"
+#include "EngineLostOverlay.h"
 #include "GlobalImpl.h"
+#include "LongPressWatch.h"
 #include "QTZStatusBar.h"
 
 #include <QCoreApplication>
@@ -33,6 +36,7 @@ WidgetBaseImpl::WidgetBaseImpl(QWidget* parent)
     , m_feed(std::make_unique<AttributeFeed>())
     , m_lockOverlay(new QPushButton(this))
     , m_attributeName(QStringLiteral("AttributeName"))
+    , m_engineLostOverlay(new EngineLostOverlay(this))
 {
     m_feed->setAttributeName(m_attributeName);
     // A reading found by name takes the same (virtual) way as one a host gives.
@@ -47,6 +51,8 @@ WidgetBaseImpl::WidgetBaseImpl(QWidget* parent)
     connect(this, &WidgetBaseImpl::SetLocked, this, qOverload<bool>(&WidgetBaseImpl::setWidgetLocked));
     connectToFeed();
     connectToStatusBar();
+    auto* longPress = new LongPressWatch(this);
+    connect(longPress, &LongPressWatch::longPressed, this, &WidgetBaseImpl::showBindingInfo);
 }
 
 WidgetBaseImpl::~WidgetBaseImpl()
@@ -120,8 +126,16 @@ Orvanth::EngineReadingBase_var WidgetBaseImpl::reading() const
 
 void WidgetBaseImpl::finishBinding(bool bound, bool locked)
 {
-    if (bound)
+    if (bound) {
+        if (m_state == EngineLost)
+            qDebug() << "UserInterface - Engine back for" << m_attributeName << "@"
+                     << GlobalImpl::getParentWindowName(this);
+        m_lastValue = QDateTime::currentDateTime();
+        setAttributeState(locked ? Locked : Free);
         setWidgetLocked(locked);
+    } else {
+        setAttributeState(m_feed->isLost() ? EngineLost : Unbound);
+    }
     emit bindingFinished(bound);
 }
 
@@ -129,27 +143,114 @@ void WidgetBaseImpl::applyLockAnswer(bool locked)
 {
     if (!m_suppressReceiveDebug)
         qDebug() << "UserInterface - Lock notice for" << m_attributeName << (locked ? "locked" : "free");
+    m_lastValue = QDateTime::currentDateTime();
     m_locked = locked;
+    setAttributeState(locked ? Locked : Free);
     emit SetLocked(locked);
 }
 
-void WidgetBaseImpl::engineLost(const QString& reason, bool showLocked)
+void WidgetBaseImpl::engineLost(const QString& reason)
 {
-    disconnectCORBA(reason);
-    if (showLocked) {
-        m_locked = true;
-        emit SetLocked(true);
+    // Every call that meets the lost engine says so; the user hears of the loss once.
+    if (m_state == EngineLost) {
+        m_feed->loseEngine();
+        return;
     }
+    disconnectCORBA(reason);
 }
 
 void WidgetBaseImpl::disconnectCORBA(const QString& reason)
 {
-    m_feed->unbind();
+    m_feed->loseEngine();
     const QString window = GlobalImpl::getParentWindowName(this);
     qDebug() << "UserInterface -" << metaObject()->className() << reason << "error, disconnecting" << m_attributeName
              << "from engine:" << window;
     emit exceptionMessage(reason + QLatin1Char(' ') + m_attributeName + QStringLiteral(", disconnecting from engine: ")
                           + window);
+    m_locked = false;
+    setAttributeState(EngineLost);
+}
+
+void WidgetBaseImpl::setAttributeState(AttributeState state)
+{
+    if (state == m_state)
+        return;
+    m_state = state;
+    if (state == EngineLost)
+        setWidgetLocked(false);
+    showEngineLostLook();
+    emit attributeStateChanged(state);
+}
+
+void WidgetBaseImpl::showEngineLostLook()
+{
+    if (m_state == EngineLost || m_engineLostPreview) {
+        m_engineLostOverlay->setGeometry(rect());
+        m_engineLostOverlay->show();
+        m_engineLostOverlay->raise();
+    } else {
+        m_engineLostOverlay->hide();
+    }
+}
+
+QWidget* WidgetBaseImpl::engineLostOverlay() const
+{
+    return m_engineLostOverlay;
+}
+
+void WidgetBaseImpl::setEngineLostPreview(bool preview)
+{
+    m_engineLostPreview = preview;
+    showEngineLostLook();
+}
+
+void WidgetBaseImpl::noteValueReceived()
+{
+    m_lastValue = QDateTime::currentDateTime();
+}
+
+QString WidgetBaseImpl::bindingDescription() const
+{
+    const QString module = m_feed->moduleIndex();
+    QStringList lines{tr("Engine module: %1").arg(module.isEmpty() ? tr("unknown") : module),
+                      tr("Attribute: %1").arg(m_attributeName)};
+    if (m_state == Locked)
+        lines << tr("Locked by: %1").arg(tr("another user interface"));
+    else if (m_locked && m_state == Free)
+        lines << tr("Locked by: %1").arg(tr("this display"));
+    lines << tr("Last value: %1").arg(m_lastValue.isValid() ? m_lastValue.toString(QStringLiteral("HH:mm:ss"))
+                                                             : tr("none"));
+    QString state;
+    switch (m_state) {
+    case Unbound:
+        state = tr("not bound");
+        break;
+    case Free:
+        state = tr("live");
+        break;
+    case Locked:
+        state = tr("locked");
+        break;
+    case EngineLost:
+        state = tr("engine lost");
+        break;
+    }
+    lines << tr("State: %1").arg(state);
+    // The bubble breaks its lines here and wraps each one on its own.
+    return lines.join(QChar::LineSeparator);
+}
+
+void WidgetBaseImpl::showBindingInfo(const QPoint& globalPosition)
+{
+    QWidget* host = window();
+    if (!m_bubble || m_bubble->parentWidget() != host) {
+        delete m_bubble.data();
+        m_bubble = new BindingInfoBubble(host);
+    }
+    const SpeechBubbleImpl::ColorScheme scheme = m_state == Free     ? SpeechBubbleImpl::csGreen
+                                                 : m_state == Locked ? SpeechBubbleImpl::csAmber
+                                                                     : SpeechBubbleImpl::csRed;
+    m_bubble->showAt(bindingDescription(), scheme, globalPosition);
 }
 
 void WidgetBaseImpl::setWidgetLocked(bool isLocked)
@@ -196,6 +297,8 @@ void WidgetBaseImpl::mouseReleaseEvent(QMouseEvent* event)
 
 void WidgetBaseImpl::acquireLock()
 {
+    if (m_state == EngineLost)
+        return;
     if (!isBound()) {
         offerEntry();
         return;
@@ -252,6 +355,7 @@ void WidgetBaseImpl::resizeEvent(QResizeEvent* event)
 {
     m_lockOverlay->setMinimumSize(event->size());
     m_lockOverlay->resize(event->size());
+    m_engineLostOverlay->resize(event->size());
     QWidget::resizeEvent(event);
 }
 

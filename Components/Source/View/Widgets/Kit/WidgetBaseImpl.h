@@ -7,6 +7,8 @@
 
 #include <Orvanth.hh>
 
+#include <QDateTime>
+#include <QPointer>
 #include <QString>
 #include <QWidget>
 
@@ -14,6 +16,8 @@
 #include <functional>
 #include <memory>
 
+class BindingInfoBubble;
+class EngineLostOverlay;
 class QLabel;
 class QPushButton;
 
@@ -27,6 +31,12 @@ class QPushButton;
  * Lock, Unlock, MayAccess) on the global thread pool and hands the outcomes back to the
  * GUI thread; the GUI thread never waits for an engine. So bindAttribute() and a touch
  * return at once, and the binding's outcome is announced by bindingFinished().
+ *
+ * A bound widget always shows how its data stands (attributeState()): free, locked (the
+ * padlock overlay) or engine lost (dimmed behind a dashed outline, refusing input, with
+ * one log line and one status-bar message for each loss). A lost widget binds again by
+ * itself when its engine is back. A long press or a right click opens a bubble that
+ * tells what the widget is bound to.
  */
 class TZUICOMPONENTS_EXPORT WidgetBaseImpl : public QWidget
 {
@@ -35,8 +45,20 @@ class TZUICOMPONENTS_EXPORT WidgetBaseImpl : public QWidget
     Q_PROPERTY(QString LabelText READ getLabel WRITE setLabel)
     Q_PROPERTY(int UpdateDelay READ getUpdateDelay WRITE setUpdateDelay)
     Q_PROPERTY(bool SuppressReceiveDebug READ getSuppressDebug WRITE setSuppressDebug)
+    Q_PROPERTY(AttributeState attributeState READ attributeState NOTIFY attributeStateChanged)
+    // For screen designers: shows the engine-lost look on a form; never saved with it.
+    Q_PROPERTY(bool EngineLostPreview READ engineLostPreview WRITE setEngineLostPreview DESIGNABLE true STORED false)
 
 public:
+    /// How the widget's data stands.
+    enum AttributeState {
+        Unbound,   ///< no attribute bound (yet)
+        Free,      ///< bound, and this user interface may operate it
+        Locked,    ///< bound, another locker holds it
+        EngineLost ///< the engine stopped answering; waiting for its return
+    };
+    Q_ENUM(AttributeState)
+
     /// How long one call on a bound attribute may take before it fails with
     /// CORBA::TIMEOUT: a hung engine holds a pool thread no longer than this.
     static constexpr std::chrono::milliseconds EngineCallTimeout = AttributeFeed::CallTimeout;
@@ -92,6 +114,17 @@ public:
     CORBA::Long lockHandle() const { return m_lockHandle; }
     /// The transparent button that covers the widget while it is locked.
     QPushButton* lockOverlay() const { return m_lockOverlay; }
+    /// What dims the widget while its engine is lost.
+    QWidget* engineLostOverlay() const;
+
+    AttributeState attributeState() const { return m_state; }
+    bool engineLostPreview() const { return m_engineLostPreview; }
+    void setEngineLostPreview(bool preview);
+    /// The text of the binding bubble: engine module, attribute, lock holder when locked,
+    /// time of the last value and the state, one per line, translated.
+    QString bindingDescription() const;
+    /// Opens the binding bubble above \a globalPosition, as a long press does.
+    void showBindingInfo(const QPoint& globalPosition);
     /// Where the widget's engine values come from; its signals drive the widget, so a
     /// test or a host can feed values through them without an engine.
     AttributeFeed* attributeFeed() const { return m_feed.get(); }
@@ -123,6 +156,7 @@ signals:
     void suppressDebug(bool suppress);
     /// A binding attempt has ended: \a bound tells whether an attribute is bound now.
     void bindingFinished(bool bound);
+    void attributeStateChanged(WidgetBaseImpl::AttributeState state);
 
 protected:
     /// What work on another thread may use of the widget's engine binding; its
@@ -140,6 +174,8 @@ protected:
     void setLabelWidget(QLabel* label);
     /// Takes the engine lock (when bound) and then the registry's entry slot.
     void acquireLock();
+    /// For a subclass that shows the attribute's value: one has arrived now.
+    void noteValueReceived();
 
 private:
     void connectToStatusBar();
@@ -147,7 +183,9 @@ private:
     void finishBinding(bool bound, bool locked);
     void attributeNotFound();
     void applyLockAnswer(bool locked);
-    void engineLost(const QString& reason, bool showLocked);
+    void engineLost(const QString& reason);
+    void setAttributeState(AttributeState state);
+    void showEngineLostLook();
     void lockTaken(bool taken, CORBA::Long handle);
     void lockRefused(const QString& reason);
     void offerEntry();
@@ -161,6 +199,11 @@ private:
     int m_updateDelay = 0;
     CORBA::Long m_lockHandle = 0;
     bool m_locked = false;
+    AttributeState m_state = Unbound;
+    bool m_engineLostPreview = false;
+    EngineLostOverlay* m_engineLostOverlay;
+    QPointer<BindingInfoBubble> m_bubble;
+    QDateTime m_lastValue;
 };
 
 #endif
