@@ -39,6 +39,115 @@
     </message>
 </context>
 <context>
+    <name>Lumaro::gui::PushButtonImpl</name>
+    <message>
+        <source>Locked</source>
+        <translation>已鎖定</translation>
+    </message>
+</context>
+<context>
+    <name>MenuWidgetImpl</name>
+    <message>
+        <source>Meters</source>
+        <translation>儀表</translation>
+    </message>
+    <message>
+        <source>Oscilloscope</source>
+        <translation>示波器</translation>
+    </message>
+    <message>
+        <source>Analyzers</source>
+        <translation>分析儀</translation>
+    </message>
+    <message>
+        <source>VSWR</source>
+        <translation>駐波比</translation>
+    </message>
+    <message>
+        <source>Instruments</source>
+        <translation>儀器</translation>
+    </message>
+    <message>
+        <source>Receivers</source>
+        <translation>接收機</translation>
+    </message>
+    <message>
+        <source>Demod</source>
+        <translation>解調</translation>
+    </message>
+    <message>
+        <source>Generators</source>
+        <translation>訊號產生器</translation>
+    </message>
+    <message>
+        <source>Utilities</source>
+        <translation>公用程式</translation>
+    </message>
+    <message>
+        <source>System</source>
+        <translation>系統</translation>
+    </message>
+    <message>
+        <source>Config</source>
+        <translation>設定</translation>
+    </message>
+    <message>
+        <source>Self Test</source>
+        <translation>自我測試</translation>
+    </message>
+    <message>
+        <source>Scripting</source>
+        <translation>腳本</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>語言</translation>
+    </message>
+    <message>
+        <source>RF Generators</source>
+        <translation>射頻訊號產生器</translation>
+    </message>
+    <message>
+        <source>Ext. Power Supplies</source>
+        <translation>外部電源供應器</translation>
+    </message>
+    <message>
+        <source>DMM</source>
+        <translation>數位電表</translation>
+    </message>
+    <message>
+        <source>Digital Data Gen.</source>
+        <translation>數位資料產生器</translation>
+    </message>
+    <message>
+        <source>Calibrations</source>
+        <translation>校準</translation>
+    </message>
+    <message>
+        <source>Audio Generators</source>
+        <translation>音訊產生器</translation>
+    </message>
+    <message>
+        <source>Audio</source>
+        <translation>音訊</translation>
+    </message>
+    <message>
+        <source>Applications</source>
+        <translation>應用程式</translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>說明</translation>
+    </message>
+</context>
+<context>
+    <name>RotatableLabel</name>
+    <message>
+        <source>Configuration</source>
+        <translation>組態設定</translation>
+    </message>
+</context>
+<context>
     <name>StatusBarImpl</name>
     <message>
         <source>Reference Oscillator is set to &apos;External&apos;</source>
@@ -47,6 +156,14 @@
     <message>
         <source>Reference Oscillator is set to &apos;Internal&apos;</source>
         <translation>參考振盪器已設為「內部」</translation>
+    </message>
+</context>
+<context>
+    <name>WidgetBaseImpl</name>
+    <message>
+        <source>%1 %2, disconnecting from engine: %3</source>
+        <extracomment>%1 is why (such as CORBA::TRANSIENT), %2 the attribute, %3 the window</extracomment>
+        <translation>%1 %2，與引擎中斷連線：%3</translation>
     </message>
 </context>
 </TS>
