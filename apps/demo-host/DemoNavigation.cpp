@@ -1,6 +1,7 @@
 #include "DemoNavigation.h"
 
 #include "ContainerImpl.h"
+#include "DemoLanguage.h"
 #include "DesktopImpl.h"
 #include "DesktopManagerImpl.h"
 #include "GlobalImpl.h"
@@ -8,6 +9,7 @@
 #include "MenuBar.h"
 #include "NamingServiceImpl.h"
 
+#include <QCoreApplication>
 #include <QDebug>
 #include <QFrame>
 #include <QLabel>
@@ -39,6 +41,21 @@ Category categoryOf(const QString& screen)
 
 const char* const moduleMenu = "Applications";
 const char* const moduleSubMenu = "Engine modules";
+
+// The entries' texts as the bar shows them, in the contexts of the buttons that show
+// them: a menu's only entry on the bar, entries in a sub-menu.
+[[maybe_unused]] const char* const entryTexts[] = {
+    QT_TRANSLATE_NOOP("MenuBar", "Power Meter"),      QT_TRANSLATE_NOOP("MenuBar", "System Overview"),
+    QT_TRANSLATE_NOOP("SubMenuItem", "Spectrum"),      QT_TRANSLATE_NOOP("SubMenuItem", "Notes"),
+    QT_TRANSLATE_NOOP("SubMenuItem", "Engine Controls"), QT_TRANSLATE_NOOP("SubMenuItem", "Tools"),
+    QT_TRANSLATE_NOOP("SubMenuItem", "Engine modules"),
+};
+
+// The name under which remote callers know a module's screen, the same in every language.
+QString moduleTitle(const QString& index)
+{
+    return QStringLiteral("Module %1").arg(index);
+}
 
 } // namespace
 
@@ -94,14 +111,17 @@ void DemoNavigation::addModuleButton(const QString& index)
 {
     if (m_modules.value(index))
         return;
-    const QString title = tr("Module %1").arg(index);
+    const QString title = moduleTitle(index);
     auto* screen = new ContainerImpl(m_desktop);
     screen->setWindowTitle(title);
     // The module's form: a frame named "ContainerFrame", whose minimum is the screen's.
     auto* form = new QFrame;
     form->setObjectName(QStringLiteral("ContainerFrame"));
     form->setMinimumSize(220, 100);
-    auto* text = new QLabel(tr("Engine GUI module %1, announced by module discovery.").arg(index), form);
+    auto* text = new QLabel(form);
+    DemoLanguage::follow(text, [text, index] {
+        text->setText(DemoNavigation::tr("Engine GUI module %1, announced by module discovery.").arg(index));
+    });
     text->setStyleSheet(QStringLiteral("color: white;"));
     text->setWordWrap(true);
     (new QVBoxLayout(form))->addWidget(text);
@@ -129,7 +149,7 @@ void DemoNavigation::removeModuleButton(const QString& index)
     if (!screen)
         return;
     // The module's entry goes with its screen; the bar regroups what is left.
-    GlobalImpl::getInstance()->removeScreen(tr("Module %1").arg(index));
+    GlobalImpl::getInstance()->removeScreen(moduleTitle(index));
     delete screen.data();
     qDebug() << "UserInterface - Demo host - engine module left the navigation bar:" << index;
 }

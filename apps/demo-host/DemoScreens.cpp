@@ -2,6 +2,7 @@
 
 #include "ApplicationOptions.h"
 #include "ContainerImpl.h"
+#include "DemoLanguage.h"
 #include "DesktopImpl.h"
 #include "DesktopManagerImpl.h"
 #include "FSContainer.h"
@@ -12,11 +13,28 @@
 #include "RotatableLabel.h"
 #include "SystemModule.h"
 
+#include <QCoreApplication>
 #include <QDebug>
 #include <QLabel>
 #include <QVBoxLayout>
 
 namespace {
+
+// The screens' names: the registry and remote callers know them as they are; a container
+// shows its title translated in the generic context.
+const char* const powerMeter = QT_TRANSLATE_NOOP("QObject", "Power Meter");
+const char* const spectrum = QT_TRANSLATE_NOOP("QObject", "Spectrum");
+const char* const notes = QT_TRANSLATE_NOOP("QObject", "Notes");
+const char* const systemOverview = QT_TRANSLATE_NOOP("QObject", "System Overview");
+const char* const deviceControl = QT_TRANSLATE_NOOP("QObject", "Device Control");
+
+// A label whose text follows the language.
+QLabel* translatedLabel(const char* source, QWidget* parent = nullptr)
+{
+    auto* label = new QLabel(parent);
+    DemoLanguage::follow(label, [label, source] { label->setText(QCoreApplication::translate("DemoScreens", source)); });
+    return label;
+}
 
 // A module's own form: a frame named "ContainerFrame" whose minimum size is the size of
 // the container's normal state.
@@ -81,8 +99,9 @@ QLayout* spectrumSettings()
 {
     QFrame* form = moduleForm(QSize(260, 120));
     auto* rows = new QVBoxLayout(form);
-    for (const QString& line : {QStringLiteral("Span: 10 MHz"), QStringLiteral("RBW: 30 kHz"), QStringLiteral("Reference: 0 dBm")})
-        rows->addWidget(new QLabel(line, form));
+    for (const char* line : {QT_TRANSLATE_NOOP("DemoScreens", "Span: 10 MHz"), QT_TRANSLATE_NOOP("DemoScreens", "RBW: 30 kHz"),
+                             QT_TRANSLATE_NOOP("DemoScreens", "Reference: 0 dBm")})
+        rows->addWidget(translatedLabel(line, form));
     auto* layout = new QVBoxLayout;
     layout->addWidget(form);
     return layout;
@@ -93,10 +112,10 @@ QLayout* spectrumSettings()
 DemoScreens::DemoScreens(DesktopImpl* desktop)
     : m_desktop(desktop)
 {
-    addContainer(QStringLiteral("Power Meter"), 0, meterScreen());
-    addContainer(QStringLiteral("Spectrum"), 1, traceScreen());
-    addContainer(QStringLiteral("Spectrum"), 2, traceScreen());
-    addContainer(QStringLiteral("Notes"), 0, notesScreen());
+    addContainer(QLatin1String(powerMeter), 0, meterScreen());
+    addContainer(QLatin1String(spectrum), 1, traceScreen());
+    addContainer(QLatin1String(spectrum), 2, traceScreen());
+    addContainer(QLatin1String(notes), 0, notesScreen());
     // Every container grows and shrinks on its title-bar buttons and follows a drag; the
     // meter also lands on the desktop grid when let go ("-grid"), and the notes become a
     // thumbnail after their maximized state.
@@ -135,27 +154,27 @@ void DemoScreens::addContainer(const QString& title, int instance, QWidget* cont
 void DemoScreens::addFullScreen()
 {
     m_fullScreen = new FSContainer(m_desktop);
-    m_fullScreen->setWindowTitle(QStringLiteral("System Overview"));
+    m_fullScreen->setWindowTitle(QLatin1String(systemOverview));
     auto* layout = new QVBoxLayout;
-    auto* text = new QLabel(QStringLiteral("Full-screen module: the close button returns to the desktop."));
+    QLabel* text = translatedLabel(QT_TRANSLATE_NOOP("DemoScreens", "Full-screen module: the close button returns to the desktop."));
     text->setStyleSheet(QStringLiteral("color: white; font-size: 20px;"));
     text->setAlignment(Qt::AlignCenter);
     text->setWordWrap(true);
     layout->addWidget(text);
     m_fullScreen->setLayout(layout);
     m_fullScreen->hide();
-    GlobalImpl::getInstance()->addScreen(QStringLiteral("System Overview"), m_fullScreen);
+    GlobalImpl::getInstance()->addScreen(QLatin1String(systemOverview), m_fullScreen);
 }
 
 void DemoScreens::addDeviceControl()
 {
     auto* container = new ContainerImpl(m_desktop);
-    container->setWindowTitle(QStringLiteral("Device Control"));
+    container->setWindowTitle(QLatin1String(deviceControl));
     QFrame* form = moduleForm(moduleSize());
     auto* rows = new QVBoxLayout(form);
-    for (const QString& line : {QStringLiteral("Reference: internal 10 MHz"), QStringLiteral("Fan: automatic"),
-                                QStringLiteral("Display: 80 %")})
-        rows->addWidget(new QLabel(line, form));
+    for (const char* line : {QT_TRANSLATE_NOOP("DemoScreens", "Reference: internal 10 MHz"),
+                             QT_TRANSLATE_NOOP("DemoScreens", "Fan: automatic"), QT_TRANSLATE_NOOP("DemoScreens", "Display: 80 %")})
+        rows->addWidget(translatedLabel(line, form));
     auto* layout = new QVBoxLayout;
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(form);

@@ -2,6 +2,7 @@
 
 #include "ApplicationOptions.h"
 #include "ContainerImpl.h"
+#include "DemoLanguage.h"
 #include "DesktopImpl.h"
 #include "DesktopManagerImpl.h"
 #include "GlobalImpl.h"
@@ -9,6 +10,7 @@
 #include "NamingServiceImpl.h"
 #include "PushButtonImpl.h"
 
+#include <QCoreApplication>
 #include <QDebug>
 #include <QFrame>
 #include <QHBoxLayout>
@@ -21,6 +23,7 @@ using Lumaro::gui::PushButtonImpl;
 namespace {
 
 const char* const actionName = "RUNACTION1";
+const char* const title = QT_TRANSLATE_NOOP("QObject", "Engine Controls");
 
 // How often the screen looks for an engine while a button is still unbound.
 constexpr int bindRetryMs = 1000;
@@ -48,24 +51,36 @@ ContainerImpl* DemoWidgets::addTo(DesktopImpl* desktop)
     auto* row = new QHBoxLayout;
     column->addLayout(row);
 
-    PushButtonImpl* run = actionButton(QObject::tr("Run"), QStringLiteral("RunButton"), form);
-    PushButtonImpl* abort = actionButton(QObject::tr("Run now"), QStringLiteral("RunNowButton"), form);
+    // The kit's buttons translate their texts themselves, in the button's context.
+    PushButtonImpl* run = actionButton(QStringLiteral(QT_TRANSLATE_NOOP("Lumaro::gui::PushButtonImpl", "Run")),
+                                       QStringLiteral("RunButton"), form);
+    PushButtonImpl* abort = actionButton(QStringLiteral(QT_TRANSLATE_NOOP("Lumaro::gui::PushButtonImpl", "Run now")),
+                                         QStringLiteral("RunNowButton"), form);
     abort->setCriticalStyle();
     row->addWidget(run);
     row->addWidget(abort);
 
-    auto* presses = new QLabel(QObject::tr("No action sent"), form);
+    auto* presses = new QLabel(form);
     presses->setObjectName(QStringLiteral("PressCount"));
     column->addWidget(presses);
     auto count = std::make_shared<int>(0);
+    auto lastButton = std::make_shared<QString>();
+    const auto showCount = [presses, count, lastButton] {
+        presses->setText(*count == 0 ? QCoreApplication::translate("DemoWidgets", "No action sent")
+                                     : QCoreApplication::translate("DemoWidgets", "%1 sent %n action(s)", nullptr, *count)
+                                           .arg(*lastButton));
+    };
+    DemoLanguage::follow(presses, showCount);
     for (PushButtonImpl* button : {run, abort}) {
-        QObject::connect(button, &PushButtonImpl::buttonPressed, presses, [presses, count](const QString& name) {
-            presses->setText(QObject::tr("%1 sent %n action(s)", nullptr, ++*count).arg(name));
+        QObject::connect(button, &PushButtonImpl::buttonPressed, presses, [count, lastButton, showCount](const QString& name) {
+            ++*count;
+            *lastButton = name;
+            showCount();
         });
     }
 
     auto* container = new ContainerImpl(desktop);
-    container->setWindowTitle(QStringLiteral("Engine Controls"), 0);
+    container->setWindowTitle(QLatin1String(title), 0);
     auto* layout = new QVBoxLayout;
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(form);
@@ -87,7 +102,7 @@ ContainerImpl* DemoWidgets::addTo(DesktopImpl* desktop)
     binder->start();
 
     GlobalImpl* registry = GlobalImpl::getInstance();
-    registry->addScreen(QStringLiteral("Engine Controls"), container);
+    registry->addScreen(QLatin1String(title), container);
     if (DesktopManagerImpl* manager = registry->desktopManager())
         manager->registerModule(container);
     HandheldScreens::follow(container);

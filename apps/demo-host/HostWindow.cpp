@@ -2,6 +2,7 @@
 
 #include "ApplicationOptions.h"
 #include "CSS.h"
+#include "DemoLanguage.h"
 #include "DemoNavigation.h"
 #include "DemoScreens.h"
 #include "DemoStatus.h"
@@ -58,6 +59,7 @@ DesktopImpl* HostWindow::buildDesktop()
     m_screenStates = new ScreenStateManager(this);
     registry->systemModule()->setModule(QStringLiteral("ScreenStateManager"), m_screenStates.data());
     buildDesktopButtons();
+    new DemoLanguage(m_desktop);
     serveRemote();
     return m_desktop;
 }
@@ -86,8 +88,9 @@ void HostWindow::buildExitMenu()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
 
-    auto* exitButton = new QPushButton(tr("Exit"), menu);
+    auto* exitButton = new QPushButton(menu);
     exitButton->setObjectName(QStringLiteral("ExitButton"));
+    DemoLanguage::follow(exitButton, [exitButton] { exitButton->setText(tr("Exit")); });
     exitButton->setFixedSize(80, 40);
     auto* handle = new QPushButton(QStringLiteral(">"), menu);
     handle->setObjectName(QStringLiteral("ExitMenuHandle"));
@@ -114,32 +117,39 @@ void HostWindow::buildDesktopButtons()
     const QString look = QStringLiteral("QPushButton { color: white; background-color: rgb(60,60,60); "
                                         "border: 1px solid white; border-radius: 6px; padding: 6px; }"
                                         "QPushButton:disabled { color: gray; border-color: gray; }");
-    auto* save = new QPushButton(tr("Save layout"), m_desktop);
+    auto* save = new QPushButton(m_desktop);
     save->setObjectName(QStringLiteral("SaveLayoutButton"));
-    auto* restore = new QPushButton(tr("Restore layout"), m_desktop);
+    auto* restore = new QPushButton(m_desktop);
     restore->setObjectName(QStringLiteral("RestoreLayoutButton"));
     restore->setEnabled(false);
-    auto* fullScreen = new QPushButton(tr("Full screen"), m_desktop);
+    auto* fullScreen = new QPushButton(m_desktop);
     fullScreen->setObjectName(QStringLiteral("FullScreenButton"));
 
     // A row at the bottom right, the full-screen button last; above the status bar where
-    // the screen is too narrow for both.
+    // the screen is too narrow for both. Laid out again for the widths of each language.
     const QList<QPushButton*> row{fullScreen, restore, save};
-    QRect rowArea;
-    int right = m_desktop->width() - 10;
-    for (QPushButton* button : row) {
+    for (QPushButton* button : row)
         button->setStyleSheet(look);
-        button->adjustSize();
-        button->move(right - button->width(), m_desktop->height() - button->height() - 20);
-        right -= button->width() + 8;
-        rowArea |= button->geometry();
-    }
-    const QWidget* statusBar = m_status ? m_status->statusBar() : nullptr;
-    const int lift = statusBar && statusBar->geometry().intersects(rowArea) ? rowArea.bottom() + 10 - statusBar->y() : 0;
-    for (QPushButton* button : row) {
-        button->move(button->x(), button->y() - lift);
+    DemoLanguage::follow(save, [this, row, save, restore, fullScreen] {
+        save->setText(tr("Save layout"));
+        restore->setText(tr("Restore layout"));
+        fullScreen->setText(tr("Full screen"));
+        QRect rowArea;
+        int right = m_desktop->width() - 10;
+        for (QPushButton* button : row) {
+            button->adjustSize();
+            button->move(right - button->width(), m_desktop->height() - button->height() - 20);
+            right -= button->width() + 8;
+            rowArea |= button->geometry();
+        }
+        const QWidget* statusBar = m_status ? m_status->statusBar() : nullptr;
+        const int lift =
+            statusBar && statusBar->geometry().intersects(rowArea) ? rowArea.bottom() + 10 - statusBar->y() : 0;
+        for (QPushButton* button : row)
+            button->move(button->x(), button->y() - lift);
+    });
+    for (QPushButton* button : row)
         button->show();
-    }
 
     connect(save, &QPushButton::clicked, this, [this, restore] {
         if (!m_screenStates)

@@ -10,6 +10,7 @@
 #include "HostOptions.h"
 #include "GlobalImpl.h"
 #include "HostWindow.h"
+#include "LanguageSwitch.h"
 #include "QTZMessageOutputControl.h"
 #include "StopSignalNotifier.h"
 
@@ -39,6 +40,8 @@ int main(int argc, char* argv[])
     QTZMessageOutputControl::m_output = options.debugOutput();
 
     GlobalImpl* registry = GlobalImpl::getInstance();
+    // The demo's own texts in the language of "currentLanguage", beside the library's.
+    registry->languageSwitch()->addCatalog(QStringLiteral("tz-demo-host"), QStringLiteral(":/translations"));
     for (const auto& property : options.applicationOptions().values)
         qDebug() << "UserInterface - Demo host - option" << property.first << property.second;
 

@@ -349,13 +349,17 @@ private slots:
         QTest::addColumn<int>("instance");
         QTest::addColumn<QString>("retitledBy");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("instance 1") << "Meter" << 1 << "" << "Meter";
-        QTest::newRow("ASCII, instance 2") << "Scope" << 2 << "" << "Oszilloskop 2";
-        QTest::newRow("Latin-1") << QStringLiteral("Größe") << 2 << "" << "Size 2";
-        QTest::newRow("beyond Latin-1") << QStringLiteral("示波器") << 2 << "" << QStringLiteral("示波器 2");
+        QTest::addColumn<QString>("untranslated");
+        QTest::newRow("instance 1") << "Meter" << 1 << "" << "Meter" << "Meter";
+        QTest::newRow("ASCII, instance 2") << "Scope" << 2 << "" << "Oszilloskop 2" << "Scope 2";
+        QTest::newRow("Latin-1") << QStringLiteral("Größe") << 2 << "" << "Size 2" << QStringLiteral("Größe 2");
+        QTest::newRow("beyond Latin-1") << QStringLiteral("示波器") << 2 << "" << QStringLiteral("示波器 2")
+                                        << QStringLiteral("示波器 2");
         // Setting the plain title again through Qt, or the invokable a script reaches, drops the number.
-        QTest::newRow("Qt title") << "Scope" << 3 << "Qt" << "Oszilloskop";
-        QTest::newRow("invokable") << "Scope" << 3 << "invokable" << "Oszilloskop";
+        QTest::newRow("Qt title") << "Scope" << 3 << "Qt" << "Oszilloskop" << "Scope";
+        QTest::newRow("invokable") << "Scope" << 3 << "invokable" << "Oszilloskop" << "Scope";
+        // A title that came from an engine is shown as it came.
+        QTest::newRow("from an engine") << "Scope" << 2 << "engine" << "Scope 2" << "Scope 2";
     }
 
     void titleShowsTranslatedNumberedText()
@@ -369,15 +373,21 @@ private slots:
         ContainerBase container(&desk);
         QVERIFY(titleOf(&container)->isHidden());
         container.setWindowTitle(title, instance);
-        if (retitledBy == QLatin1String("Qt"))
+        if (retitledBy == QLatin1String("engine"))
+            container.setTitleTranslated(false);
+        else if (retitledBy == QLatin1String("Qt"))
             static_cast<QWidget&>(container).setWindowTitle(title);
         else if (!retitledBy.isEmpty())
             QVERIFY(QMetaObject::invokeMethod(&container, "setWindowTitle", Q_ARG(QString, title)));
-        QCoreApplication::removeTranslator(&translator);
         QVERIFY(!titleOf(&container)->isHidden());
         QTEST(titleOf(&container)->text(), "shown");
         // The registry names the window by its plain title.
         QCOMPARE(container.property("windowCaption").toString(), title);
+        // Without the translation the title is shown in its own words again.
+        QCoreApplication::removeTranslator(&translator);
+        QCoreApplication::processEvents();
+        QTEST(titleOf(&container)->text(), "untranslated");
+        QTEST(container.windowTitle(), "untranslated");
     }
 
     void containerFrameIsTheFormsFrame()

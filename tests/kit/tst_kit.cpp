@@ -2,6 +2,8 @@
 // through their attribute feed, the touch scroll bars, the labels and the text editor,
 // and the Designer plug-in as Designer and form loaders see it.
 
+#include "LanguageScope.h"
+
 #include "GlobalImpl.h"
 #include "PushButtonImpl.h"
 #include "QTZScalableLabel.h"
@@ -55,6 +57,7 @@ private slots:
     void longPressTellsTheBinding_data();
     void longPressTellsTheBinding();
     void criticalButtonKeepsItsLookAcrossSizes();
+    void buttonAndEngineLossFollowTheLanguage();
     void scrollBarTouchJumpsOrSteps_data();
     void scrollBarTouchJumpsOrSteps();
     void scrollBarPageStepFollowsTrackLength_data();
@@ -263,6 +266,50 @@ void TestKit::criticalButtonKeepsItsLookAcrossSizes()
     const QString critical = button.styleSheet();
     button.changeSize(QStringLiteral("Small"));
     QVERIFY(button.styleSheet() == critical && critical != standard);
+}
+
+void TestKit::buttonAndEngineLossFollowTheLanguage()
+{
+    LanguageScope language;
+    QWidget statusArea;
+    QTZStatusBar statusBar(&statusArea);
+    GlobalImpl::getInstance()->setStatusBar(&statusBar);
+    QWidget window;
+    window.setObjectName(QStringLiteral("TopContainerObject"));
+    window.setWindowTitle(QStringLiteral("Signal Generator"));
+    auto* button = new PushButtonImpl(&window);
+    GlobalImpl::getInstance()->setStatusBar(static_cast<QTZStatusBar*>(nullptr));
+    button->setAttributeName(QStringLiteral("RUNACTION1"));
+    button->setButtonText(QStringLiteral("Locked"));
+    // The same word from an engine, which is shown as it came.
+    auto* fromEngine = new PushButtonImpl(&window);
+    fromEngine->setTextTranslated(false);
+    fromEngine->setButtonText(QStringLiteral("Locked"));
+    emit button->attributeFeed()->lockChanged(true);
+    window.show();
+    const auto fontSize = [button] {
+        button->button()->ensurePolished();
+        return QFontInfo(button->button()->font()).pixelSize();
+    };
+    const int englishSize = fontSize();
+    const auto loseEngine = [button, &statusBar] {
+        emit button->attributeFeed()->engineLost(QStringLiteral("CORBA::TRANSIENT"), false);
+        return statusBar.lastText();
+    };
+
+    for (const char* shown : {"zh_tw", "en", "zh_tw", ""}) {
+        language.switchTo(shown);
+        const bool chinese = qstrcmp(shown, "zh_tw") == 0;
+        const QString locked = chinese ? QStringLiteral("已鎖定") : QStringLiteral("Locked");
+        QCOMPARE(button->button()->text(), locked);
+        QCOMPARE(button->lockBadge()->text().trimmed(), locked);
+        QCOMPARE(fromEngine->button()->text(), QStringLiteral("Locked"));
+        // The smaller Chinese font, and the standard one again in English.
+        QCOMPARE(fontSize() < englishSize, chinese);
+        // Each report of a lost engine in the language of its moment.
+        QCOMPARE(loseEngine().contains(QStringLiteral("與引擎中斷連線")), chinese);
+        QCOMPARE(statusBar.lastText().startsWith(QStringLiteral("CORBA::TRANSIENT RUNACTION1")), true);
+    }
 }
 
 void TestKit::scrollBarTouchJumpsOrSteps_data()

@@ -4,6 +4,7 @@
 // threads (this test is built with the sanitizers as well).
 
 #include "ChildProcess.h"
+#include "LanguageScope.h"
 #include "LogCapture.h"
 #include "NamingServiceProcess.h"
 #include "StreamCapture.h"
@@ -15,6 +16,7 @@
 #include "DesktopImpl.h"
 #include "EngineServer.h"
 #include "GlobalImpl.h"
+#include "LanguageSwitch.h"
 #include "LockManagerServant.h"
 #include "Locker.h"
 #include "LockerGateway.h"
@@ -23,6 +25,7 @@
 #include "SystemModule.h"
 
 #include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QThreadPool>
 #include <QtTest>
 
@@ -70,6 +73,9 @@ private slots:
     void firstUseFromSeveralThreadsBuildsOneLocker();
     void lockIdCallsRacingDesktopCloseEndCleanly();
     void subscriberThreadsStopBeforeLockerGoes();
+    void followsTheLanguageOption_data();
+    void followsTheLanguageOption();
+    void loadsAHostCatalogBesideTheLibrarys();
 
 private:
     NamingServiceProcess m_naming;
@@ -448,6 +454,65 @@ void TestRegistry::subscriberThreadsStopBeforeLockerGoes()
     QVERIFY(gateway && gateway->isClosed() && !gateway->getLocker() && isZero(gateway->getLockerID()));
     QCOMPARE(gateway->getLockAuthority().length(), CORBA::ULong(0));
     QCOMPARE(m_manager->lockerCount(), lockers);
+}
+
+void TestRegistry::followsTheLanguageOption_data()
+{
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<QString>("ok");
+    QTest::addColumn<QString>("logged");
+    QTest::newRow("traditional chinese") << "zh_tw" << "zh_TW" << QStringLiteral("確定") << "";
+    QTest::newRow("as a locale names it") << "zh-TW" << "zh_TW" << QStringLiteral("確定") << "";
+    // No simplified catalog: the traditional one is not taken for it.
+    QTest::newRow("simplified chinese") << "zh_cn" << "zh_CN" << "OK" << "no translations for";
+    QTest::newRow("english") << "en" << "en" << "OK" << "no translations for";
+    QTest::newRow("empty") << "" << "" << "OK" << "";
+    QTest::newRow("a path") << "../../zh_TW" << "" << "OK" << "not a language";
+}
+
+void TestRegistry::followsTheLanguageOption()
+{
+    QFETCH(QString, option);
+    QFETCH(QString, language);
+    QFETCH(QString, ok);
+    QFETCH(QString, logged);
+    const auto translatedOk = [] { return QCoreApplication::translate("GUIManagerReceiver", "OK"); };
+    LanguageSwitch* languages = GlobalImpl::getInstance()->languageSwitch();
+    LogCapture log;
+    QSignalSpy changes(languages, &LanguageSwitch::languageChanged);
+    {
+        LanguageScope scope(option.toLatin1().constData());
+        QCOMPARE(languages->language(), language);
+        QCOMPARE(translatedOk(), ok);
+        QCOMPARE(languages->loadedCatalogs().isEmpty(), ok == QLatin1String("OK"));
+        if (!logged.isEmpty())
+            QVERIFY(log.contains(logged));
+    }
+    // Taking the option away brings the source texts back.
+    QCOMPARE(translatedOk(), QStringLiteral("OK"));
+    QVERIFY(languages->loadedCatalogs().isEmpty());
+    QCOMPARE(changes.count(), 2);
+    QCOMPARE(changes.first().at(0).toString(), language);
+
+    // A registry built while the option is set starts in that language.
+    LanguageScope scope(option.toLatin1().constData());
+    cleanup();
+    QCOMPARE(GlobalImpl::getInstance()->languageSwitch()->language(), language);
+    QCOMPARE(translatedOk(), ok);
+}
+
+void TestRegistry::loadsAHostCatalogBesideTheLibrarys()
+{
+    QTemporaryDir folder;
+    QVERIFY(QFile::copy(QStringLiteral(":/translations/tzuicomponents_zh_TW.qm"), folder.filePath("host_zh.qm")));
+    LanguageSwitch* languages = GlobalImpl::getInstance()->languageSwitch();
+    LanguageScope scope("zh_tw");
+    languages->addCatalog(QStringLiteral("host"), folder.path());
+    // NAME_zh serves zh_TW when there is no NAME_zh_TW.
+    QCOMPARE(languages->loadedCatalogs(), QStringList({"tzuicomponents", "host"}));
+    scope.set("de");
+    QVERIFY(languages->loadedCatalogs().isEmpty());
 }
 
 QTEST_MAIN(TestRegistry)

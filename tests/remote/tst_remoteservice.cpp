@@ -5,6 +5,7 @@
 // its GUI thread plays the desktop's user. tz-test-guihost is a second desktop.
 
 #include "ChildProcess.h"
+#include "LanguageScope.h"
 #include "LogCapture.h"
 #include "NamingServiceProcess.h"
 
@@ -32,6 +33,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QTemporaryDir>
+#include <QTranslator>
 #include <QVBoxLayout>
 #include <QtTest>
 
@@ -67,6 +69,29 @@ QString labelText(QWidget* dialog, const char* name)
     auto* label = dialog->findChild<QLabel*>(QLatin1String(name));
     return label && !label->isHidden() ? label->text() : QString();
 }
+
+QString buttonText(ContainerDialog* dialog, const QString& code)
+{
+    for (auto* button : dialog->findChildren<Lumaro::gui::PushButtonImpl*>()) {
+        if (button->button()->objectName() == code)
+            return button->button()->text();
+    }
+    return QString();
+}
+
+// A host's catalog that has the words engines use too, in the contexts in which a
+// container's title and a kit button's text are translated.
+class HostCatalog : public QTranslator
+{
+public:
+    QString translate(const char* context, const char* sourceText, const char*, int) const override
+    {
+        const bool kitContext = qstrcmp(context, "QObject") == 0 || qstrcmp(context, "Lumaro::gui::PushButtonImpl") == 0;
+        const QString source = QString::fromUtf8(sourceText);
+        const bool known = source == QLatin1String("Alert") || source == QLatin1String("OK") || source == QLatin1String("Cancel");
+        return kitContext && known ? QStringLiteral("HOST ") + source : QString();
+    }
+};
 
 // The attributes of each stored screen, by name.
 QHash<QString, QDomElement> storedScreens(const QString& layout)
@@ -107,6 +132,7 @@ private slots:
     void cleanupTestCase();
 
     void alertsShareOneBoxAndOneAnswer();
+    void ownTextsFollowTheLanguageAndEngineTextsDoNot();
     void storesVisibleScreensOfEachKind();
     void recallOpensPlacesAndStacksNamedScreensOnly();
     void recallFromAnotherThreadChangesWidgetsInGuiThread();
@@ -273,6 +299,38 @@ void TestRemoteService::alertsShareOneBoxAndOneAnswer()
     QCOMPARE(answers.size(), 2);
     QCOMPARE(answers.last().first().value<long>(), long(ContainerDialog::CancelCode));
     QVERIFY(m_receiver->dialogs().isEmpty());
+}
+
+void TestRemoteService::ownTextsFollowTheLanguageAndEngineTextsDoNot()
+{
+    HostCatalog hostCatalog;
+    QCoreApplication::installTranslator(&hostCatalog);
+    // Opened in Chinese.
+    LanguageScope language("zh_tw");
+    m_receiver->showAlert(QStringLiteral("Door open"), false);
+    m_receiver->showAlert(QStringLiteral("Door shut"), false);
+    ContainerDialog* box = m_receiver->alertBox();
+    // An engine's dialog in words the alert box uses as well.
+    m_receiver->showSimpleDialog(QStringLiteral("Alert"), QStringLiteral("OK"), QStringLiteral("OK,1|Cancel,0"), false, false);
+    ContainerDialog* fromEngine = m_receiver->dialogs().last();
+    QVERIFY(box && fromEngine != box);
+
+    for (const char* shown : {"", "zh_tw", "en", "zh_tw"}) {
+        language.switchTo(shown);
+        const bool chinese = qstrcmp(shown, "zh_tw") == 0;
+        QCOMPARE(box->windowTitle(), chinese ? QStringLiteral("警示") : QStringLiteral("Alert"));
+        QCOMPARE(buttonText(box, "1"), chinese ? QStringLiteral("確定") : QStringLiteral("OK"));
+        QCOMPARE(labelText(box, "alertCount"),
+                 chinese ? QStringLiteral("共 2 則警示，最新一則：") : QStringLiteral("2 alerts, the latest:"));
+        QCOMPARE(labelText(box, "dialogMessage"), QStringLiteral("Door shut"));
+        QCOMPARE(fromEngine->windowTitle(), QStringLiteral("Alert"));
+        QCOMPARE(labelText(fromEngine, "dialogMessage"), QStringLiteral("OK"));
+        QCOMPARE(buttonText(fromEngine, "1") + '|' + buttonText(fromEngine, "0"), QStringLiteral("OK|Cancel"));
+    }
+    // Engines name the alert box "Alert" in every language.
+    m_receiver->closeDialog(QStringLiteral("Alert"));
+    QVERIFY(m_receiver->dialogs().isEmpty());
+    QCoreApplication::removeTranslator(&hostCatalog);
 }
 
 void TestRemoteService::storesVisibleScreensOfEachKind()

@@ -12,6 +12,7 @@
 
 #include <QDebug>
 #include <QDir>
+#include <QEvent>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -28,6 +29,7 @@ const char titleProperty[] = "remoteTitle";
 const char kindProperty[] = "remoteKind";
 const char blockingProperty[] = "remoteBlocking";
 const char rootPathProperty[] = "remoteRootPath";
+const char givenRootPathProperty[] = "remoteGivenRootPath";
 const char offeredPathProperty[] = "remoteOfferedPath";
 const char offeredFilenameProperty[] = "remoteOfferedFilename";
 
@@ -44,6 +46,20 @@ QLabel* plainLabel(const QString& text)
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     return label;
+}
+
+void setButtonText(ContainerDialog* dialog, const QString& code, const QString& text)
+{
+    for (auto* button : dialog->findChildren<Lumaro::gui::PushButtonImpl*>()) {
+        if (button->button()->objectName() == code)
+            button->setButtonText(text);
+    }
+}
+
+void setLabelText(ContainerDialog* dialog, const char* name, const QString& text)
+{
+    if (auto* label = dialog->findChild<QLabel*>(QLatin1String(name)))
+        label->setText(text);
 }
 
 } // namespace
@@ -163,7 +179,8 @@ void GUIManagerReceiver::showAlert(const QString& msg, bool)
         addToAlertBox(msg);
         return;
     }
-    Request request = message(tr("Alert"), msg, tr("OK") + QStringLiteral(",1"));
+    // "Alert" names the box for remote callers in every language; it shows translated.
+    Request request = message(QStringLiteral("Alert"), msg, QStringLiteral("OK,1"));
     request.kind = Request::Alert;
     m_alertBox = open(request, false);
     m_alertCount = 1;
@@ -172,11 +189,10 @@ void GUIManagerReceiver::showAlert(const QString& msg, bool)
 void GUIManagerReceiver::addToAlertBox(const QString& msg)
 {
     ++m_alertCount;
-    if (QLabel* count = m_alertBox->findChild<QLabel*>(QStringLiteral("alertCount"))) {
-        // Shown from the second alert on, so always more than one.
-        count->setText(tr("%n alerts, the latest:", "", m_alertCount));
+    // Shown from the second alert on, so always more than one.
+    setLabelText(m_alertBox, "alertCount", alertCountText(m_alertCount));
+    if (QLabel* count = m_alertBox->findChild<QLabel*>(QStringLiteral("alertCount")))
         count->show();
-    }
     if (QLabel* text = m_alertBox->findChild<QLabel*>(QStringLiteral("dialogMessage")))
         text->setText(msg);
     m_alertBox->raise();
@@ -239,8 +255,7 @@ void GUIManagerReceiver::showDataEntryDialogBlocking(const QString& title, const
 void GUIManagerReceiver::showFileSelectDialog(const QString& title, const QString& rootpath, const QString& path,
                                       const QString& filename)
 {
-    Request request = message(title, tr("Choose a file in %1").arg(rootpath),
-                              tr("Open") + QStringLiteral(",1|") + tr("Cancel") + QStringLiteral(",0"));
+    Request request = message(title, QString(), QStringLiteral("Open,1|Cancel,0"));
     request.kind = Request::FileSelect;
     request.rootPath = rootpath;
     request.entry = path;
@@ -302,6 +317,7 @@ ContainerDialog* GUIManagerReceiver::open(const Request& request, bool wait)
 ContainerDialog* GUIManagerReceiver::build(const Request& request)
 {
     auto* dialog = new ContainerDialog(m_desktop);
+    dialog->setTitleTranslated(false);
     dialog->setWindowTitle(request.title, 0);
     dialog->setProperty(titleProperty, request.title);
     dialog->setProperty(kindProperty, int(request.kind));
@@ -332,7 +348,9 @@ ContainerDialog* GUIManagerReceiver::build(const Request& request)
         const QPixmap image(request.imageFile);
         if (image.isNull()) {
             qDebug() << "UserInterface - GUIManager receiver - remote dialog image not readable:" << forLog(request.imageFile);
-            contentsLayout->addWidget(plainLabel(tr("(image not available)")));
+            QLabel* missing = plainLabel(QString());
+            missing->setObjectName(QStringLiteral("imageMissing"));
+            contentsLayout->addWidget(missing);
         } else {
             auto* picture = new QLabel;
             picture->setObjectName(QStringLiteral("dialog_image"));
@@ -348,7 +366,7 @@ ContainerDialog* GUIManagerReceiver::build(const Request& request)
     auto* layout = new QVBoxLayout;
     layout->addWidget(textFrame, 1);
     if (request.kind == Request::DataEntry) {
-        auto* caption = new QLabel(tr("Entry"));
+        auto* caption = new QLabel;
         caption->setObjectName(QStringLiteral("labelText"));
         auto* entry = new QLineEdit(request.entry);
         entry->setObjectName(QStringLiteral("lineEdit"));
@@ -366,6 +384,7 @@ ContainerDialog* GUIManagerReceiver::build(const Request& request)
             files->setCurrentItem(offered.first());
         layout->addWidget(files);
         dialog->setProperty(rootPathProperty, root.absolutePath());
+        dialog->setProperty(givenRootPathProperty, request.rootPath);
         dialog->setProperty(offeredPathProperty, request.entry);
         dialog->setProperty(offeredFilenameProperty, request.filename);
     }
@@ -384,8 +403,10 @@ ContainerDialog* GUIManagerReceiver::build(const Request& request)
             qDebug() << "UserInterface - GUIManager receiver - remote dialog" << forLog(request.title) << "- button"
                      << button.label << "has no numeric code, it answers 0:" << forLog(button.code);
     }
-    layout->addLayout(ContainerDialog::createButtonLayout(dialog, buttons));
+    layout->addLayout(ContainerDialog::createButtonLayout(dialog, buttons, ContainerDialog::VerbatimLabels));
     dialog->setLayout(layout);
+    showOwnTexts(dialog);
+    dialog->installEventFilter(this);
 
     if (buttons.isEmpty()) {
         // Nothing could ever answer it, and its caller would wait for ever.
@@ -395,6 +416,46 @@ ContainerDialog* GUIManagerReceiver::build(const Request& request)
         return nullptr;
     }
     return dialog;
+}
+
+QString GUIManagerReceiver::alertCountText(int count)
+{
+    return tr("%n alerts, the latest:", "", count);
+}
+
+void GUIManagerReceiver::showOwnTexts(ContainerDialog* dialog)
+{
+    switch (Request::Kind(dialog->property(kindProperty).toInt())) {
+    case Request::Alert:
+        dialog->setWindowTitle(tr("Alert"), 0);
+        setButtonText(dialog, QStringLiteral("1"), tr("OK"));
+        if (dialog == m_alertBox && m_alertCount > 1)
+            setLabelText(dialog, "alertCount", alertCountText(m_alertCount));
+        break;
+    case Request::FileSelect:
+        setLabelText(dialog, "dialogMessage",
+                     tr("Choose a file in %1").arg(dialog->property(givenRootPathProperty).toString()));
+        setButtonText(dialog, QStringLiteral("1"), tr("Open"));
+        setButtonText(dialog, QStringLiteral("0"), tr("Cancel"));
+        break;
+    case Request::DataEntry:
+        setLabelText(dialog, "labelText", tr("Entry"));
+        break;
+    case Request::Message:
+        break;
+    }
+    setLabelText(dialog, "imageMissing", tr("(image not available)"));
+}
+
+bool GUIManagerReceiver::eventFilter(QObject* watched, QEvent* event)
+{
+    // Before the dialog and its buttons handle the change, which shows their texts as
+    // they are: the remote ones as they came, these in the new language.
+    if (event->type() == QEvent::LanguageChange) {
+        if (auto* dialog = qobject_cast<ContainerDialog*>(watched))
+            showOwnTexts(dialog);
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void GUIManagerReceiver::answer(ContainerDialog* dialog, long code)

@@ -39,6 +39,10 @@ class GUIManagerImpl;
  * top of the others, "back" behind them; with a hide request "back" sends the screen
  * behind the others instead of hiding it.
  *
+ * What an engine sends (titles, messages, button labels) is shown as it came; the
+ * receiver's own texts (the alert box's title and button, the file selection's message
+ * and buttons, captions) follow the language, also in a dialog that is open.
+ *
  * A host installs it with install(); a host with its own receiver connects the servant's
  * signals itself and hands it to GUIManagerServer::setResponseSource().
  */
@@ -107,6 +111,9 @@ public slots:
     void setScreenState(ContainerImpl* container, const QString& size);
     void showMenuBar(bool visible);
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     // What a dialog shows; one builder makes every kind from it.
     struct Request
@@ -132,6 +139,9 @@ private:
     void answer(ContainerDialog* dialog, long code);
     void forget(ContainerDialog* dialog);
     void addToAlertBox(const QString& msg);
+    static QString alertCountText(int count);
+    // Shows this receiver's own texts in \a dialog in the current language.
+    void showOwnTexts(ContainerDialog* dialog);
     // Whether \a screen is still a registered screen: a pointer from another thread is
     // compared, never followed, until then.
     static bool isRegisteredScreen(QWidget* screen);

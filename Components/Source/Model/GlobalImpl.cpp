@@ -1,6 +1,7 @@
 #include "GlobalImpl.h"
 
 #include "ApplicationOptions.h"
+#include "LanguageSwitch.h"
 #include "LockerGateway.h"
 #include "ProcessManager.h"
 #include "QTZMessageOutputControl.h"
@@ -111,6 +112,7 @@ GlobalImpl::GlobalImpl(QObject* parent)
     qDebug() << "UserInterface - ThreadPool count after setting:" << pool->maxThreadCount();
 
     systemModule->setModule(QStringLiteral("ProcessManager"), new ProcessManager(this));
+    m_languageSwitch = new LanguageSwitch(this);
 
     computeGridPoints();
 

@@ -20,6 +20,7 @@
 class DesktopImpl;
 class DesktopManagerImpl;
 class GUIManagerServer;
+class LanguageSwitch;
 class LockerGateway;
 class MenuBar;
 class MenuContainerManager;
@@ -104,6 +105,8 @@ public:
     QPoint dialogLastPosition() const { return m_dialogLastPosition; }
     void setDialogLastPosition(const QPoint& position) { m_dialogLastPosition = position; }
     QScriptEngine* scriptEngine() const { return m_scriptEngine.get(); }
+    /// The switch that follows the option "currentLanguage"; hosts add their catalogs to it.
+    LanguageSwitch* languageSwitch() const { return m_languageSwitch; }
 
     /// Data entry belongs to one widget at a time: the first claimant keeps it until
     /// it releases it.
@@ -211,6 +214,7 @@ private:
     PeerPointer<GUIManagerServer> m_guiManagerServer;
     PeerPointer<QTZStatusBar> m_statusBar;
     QTZMessageOutputControl* m_messageOutputControl = nullptr;
+    LanguageSwitch* m_languageSwitch = nullptr;
     // Shared with threads that hold it through currentLockerGateway().
     const std::shared_ptr<LockerGateway> m_lockerGateway;
     QList<QPointer<QThread>> m_subscriberThreads;

@@ -61,10 +61,16 @@ void ContainerBase::setWindowTitle(const QString& title, int instNum)
     m_titleLabel->show();
 }
 
+void ContainerBase::setTitleTranslated(bool translated)
+{
+    m_titleTranslated = translated;
+    retranslate();
+}
+
 void ContainerBase::retranslate()
 {
     QString text = m_title;
-    if (QString::fromLatin1(m_title.toLatin1()) == m_title) {
+    if (m_titleTranslated && QString::fromLatin1(m_title.toLatin1()) == m_title) {
         // Translation files hold their source texts as UTF-8, so the title is looked up
         // by those bytes; its Latin-1 bytes would not find a title such as "Größe".
         text = QCoreApplication::translate("QObject", m_title.toUtf8().constData());
@@ -158,5 +164,7 @@ void ContainerBase::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::WindowTitleChange && !m_syncingWindowTitle)
         setWindowTitle(windowTitle(), 0);
+    else if (event->type() == QEvent::LanguageChange)
+        retranslate();
     QFrame::changeEvent(event);
 }

@@ -46,6 +46,10 @@ public:
     Q_INVOKABLE void setWindowTitle(const QString& title) { setWindowTitle(title, 0); }
     /// The title as given, neither translated nor numbered.
     QString getWindowTitle() const { return m_title; }
+    /// Whether the title is shown translated (the default); a title that came from an
+    /// engine is shown as it came.
+    void setTitleTranslated(bool translated);
+    bool isTitleTranslated() const { return m_titleTranslated; }
     Q_INVOKABLE virtual void retranslate();
     /// Whether the contents are visible, which the container's own flag does not say
     /// for subclasses that hide the inner frame.
@@ -80,6 +84,7 @@ protected:
     QTZScalableLabel* m_titleLabel;
     QString m_title;
     int m_instanceNumber = 0;
+    bool m_titleTranslated = true;
 
 private:
     // Set while the Qt window title is brought in line with the container's title, so

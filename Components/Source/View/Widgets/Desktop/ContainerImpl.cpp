@@ -362,8 +362,10 @@ WindowDrawer* ContainerImpl::addDrawer(WindowDrawer::DockPosition_t position, co
 
 void ContainerImpl::setDrawerLayout(QLayout* layout)
 {
+    // The drawer's caption translates itself, in the caption's context.
+    static const char* const caption = QT_TRANSLATE_NOOP("RotatableLabel", "Configuration");
     WindowDrawer* drawer = m_configurationDrawer ? m_configurationDrawer.data()
-                                                 : addDrawer(WindowDrawer::Right, QStringLiteral("Configuration"));
+                                                 : addDrawer(WindowDrawer::Right, QLatin1String(caption));
     drawer->setDrawerLayout(layout);
 }
 

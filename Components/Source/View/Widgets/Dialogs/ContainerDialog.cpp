@@ -179,7 +179,8 @@ QVector<ContainerDialog::Button> ContainerDialog::parseButtons(const QString& bu
     return parsed;
 }
 
-QHBoxLayout* ContainerDialog::createButtonLayout(QWidget* parent, const QVector<Button>& buttons)
+QHBoxLayout* ContainerDialog::createButtonLayout(QWidget* parent, const QVector<Button>& buttons,
+                                                 LabelTranslation labels)
 {
     auto* layout = new QHBoxLayout;
     auto* dialog = parent && qstrcmp(parent->metaObject()->className(), "ContainerDialog") == 0
@@ -187,6 +188,7 @@ QHBoxLayout* ContainerDialog::createButtonLayout(QWidget* parent, const QVector<
         : nullptr;
     for (const Button& entry : buttons) {
         auto* button = new Lumaro::gui::PushButtonImpl(parent);
+        button->setTextTranslated(labels == TranslatedLabels);
         button->setButtonText(entry.label);
         button->setButtonObjectName(entry.code);
         button->setMinimumWidth(entry.label.size() * QFontInfo(button->font()).pixelSize());

@@ -65,8 +65,11 @@ public:
     /// The entries of \a buttons that are exactly "label,code"; \a skipped, when given,
     /// receives the others.
     static QVector<Button> parseButtons(const QString& buttons, QStringList* skipped = nullptr);
+    /// Whether the buttons show their labels translated or as they came (from an engine).
+    enum LabelTranslation { TranslatedLabels, VerbatimLabels };
     /// The row of createButtonLayout() for entries already parsed.
-    static QHBoxLayout* createButtonLayout(QWidget* parent, const QVector<Button>& buttons);
+    static QHBoxLayout* createButtonLayout(QWidget* parent, const QVector<Button>& buttons,
+                                           LabelTranslation labels = TranslatedLabels);
 
 public slots:
     /// Shows the dialog at its position without waiting.

@@ -74,6 +74,9 @@ PushButtonImpl::PushButtonImpl(QWidget* parent)
     setObjectName(QStringLiteral("PushButton"));
     setMinimumSize(100, 60);
     changeSize(QStringLiteral("Max"));
+    // Built while the desktop speaks Chinese: the look follows the language from the start.
+    if (ApplicationOptions::isChineseLanguage())
+        retranslate();
 }
 
 PushButtonImpl::~PushButtonImpl() = default;
@@ -98,7 +101,24 @@ void PushButtonImpl::bindAttribute(Orvanth::EngineReadingBase_ptr reading)
 void PushButtonImpl::setButtonText(const QString& theText)
 {
     m_buttonText = theText;
-    m_button->setText(tr(theText.toUtf8().constData()));
+    m_button->setText(shownText());
+}
+
+void PushButtonImpl::setTextTranslated(bool translated)
+{
+    m_textTranslated = translated;
+    m_button->setText(shownText());
+}
+
+QString PushButtonImpl::shownText() const
+{
+    return m_textTranslated ? tr(m_buttonText.toUtf8().constData()) : m_buttonText;
+}
+
+QString PushButtonImpl::lockBadgeText() const
+{
+    // The blanks keep the badge's text clear of its rounded right end.
+    return tr("Locked") + QStringLiteral("  ");
 }
 
 void PushButtonImpl::setCriticalStyle()
@@ -132,7 +152,9 @@ void PushButtonImpl::retranslate()
     if (ApplicationOptions::isChineseLanguage())
         sheet += QStringLiteral("QPushButton { padding-top: 6px; font-size: 16px; } QLabel { font-size: 12px; }");
     setStyleSheet(sheet);
-    m_button->setText(tr(m_buttonText.toUtf8().constData()));
+    m_button->setText(shownText());
+    if (!m_lockBadge->objectName().isEmpty())
+        m_lockBadge->setText(lockBadgeText());
 }
 
 void PushButtonImpl::setLockImageVisible(const bool& visible)
@@ -142,7 +164,7 @@ void PushButtonImpl::setLockImageVisible(const bool& visible)
     if (m_lockBadge->objectName() == name)
         return;
     m_lockBadge->setObjectName(name);
-    m_lockBadge->setText(visible ? QStringLiteral("Locked  ") : QString());
+    m_lockBadge->setText(visible ? lockBadgeText() : QString());
     // The object name selects the badge's rule only when the sheet is applied again.
     m_lockBadge->style()->unpolish(m_lockBadge);
     m_lockBadge->style()->polish(m_lockBadge);

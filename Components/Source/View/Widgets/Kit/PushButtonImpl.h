@@ -38,6 +38,10 @@ public:
 
     Q_INVOKABLE QString buttonText() const { return m_buttonText; }
     Q_INVOKABLE void setButtonText(const QString& theText);
+    /// Whether the text is shown translated (the default); a label that came from an
+    /// engine is shown as it came.
+    void setTextTranslated(bool translated);
+    bool isTextTranslated() const { return m_textTranslated; }
 
     /// The black and orange look of a button whose action cannot be undone.
     void setCriticalStyle();
@@ -65,12 +69,16 @@ signals:
     void buttonPressed(QString objName);
 
 private:
+    QString shownText() const;
+    QString lockBadgeText() const;
+
     QString m_styleSheet;
     QString m_tallStyleSheet;
     QPushButton* m_button;
     QBoxLayout* m_layout;
     QString m_buttonText;
     QLabel* m_lockBadge;
+    bool m_textTranslated = true;
 };
 
 } // namespace gui

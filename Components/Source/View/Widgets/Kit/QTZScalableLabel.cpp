@@ -1,5 +1,6 @@
 #include "QTZScalableLabel.h"
 
+#include <QEvent>
 #include <QFontMetrics>
 #include <QResizeEvent>
 #include <QStyle>
@@ -59,4 +60,11 @@ void QTZScalableLabel::resizeEvent(QResizeEvent* event)
 {
     setText(m_text);
     QLabel::resizeEvent(event);
+}
+
+void QTZScalableLabel::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        setText(m_text);
+    QLabel::changeEvent(event);
 }

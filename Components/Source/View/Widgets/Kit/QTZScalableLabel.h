@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QString>
 
+class QEvent;
 class QResizeEvent;
 
 /**
@@ -27,6 +28,7 @@ public slots:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     // The width the text is drawn in with \a font: the contents less QLabel's indent.

@@ -1,5 +1,6 @@
 #include "RotatableLabel.h"
 
+#include <QEvent>
 #include <QColor>
 #include <QPainter>
 #include <QPaintEvent>
@@ -43,4 +44,11 @@ void RotatableLabel::paintEvent(QPaintEvent*)
     const QSize textSize = painter.fontMetrics().boundingRect(QRect(), Qt::AlignCenter, shown).size();
     const QRect area(-textSize.width() / 2, -textSize.height() / 2, textSize.width(), textSize.height());
     painter.drawText(area, Qt::AlignVCenter, shown);
+}
+
+void RotatableLabel::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    QLabel::changeEvent(event);
 }

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QString>
 
+class QEvent;
 class QPaintEvent;
 
 /**
@@ -41,6 +42,7 @@ public slots:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     QString m_labelText = QStringLiteral("Rotatable Label");

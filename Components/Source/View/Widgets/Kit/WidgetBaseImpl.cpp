@@ -165,8 +165,8 @@ void WidgetBaseImpl::disconnectCORBA(const QString& reason)
     const QString window = GlobalImpl::getParentWindowName(this);
     qDebug() << "UserInterface -" << metaObject()->className() << reason << "error, disconnecting" << m_attributeName
              << "from engine:" << window;
-    emit exceptionMessage(reason + QLatin1Char(' ') + m_attributeName + QStringLiteral(", disconnecting from engine: ")
-                          + window);
+    //: %1 is why (such as CORBA::TRANSIENT), %2 the attribute, %3 the window
+    emit exceptionMessage(tr("%1 %2, disconnecting from engine: %3").arg(reason, m_attributeName, window));
     m_locked = false;
     setAttributeState(EngineLost);
 }
@@ -368,8 +368,10 @@ void WidgetBaseImpl::setLabelWidget(QLabel* label)
 
 void WidgetBaseImpl::setLabel(const QString& label)
 {
-    if (m_label)
-        m_label->setText(QCoreApplication::translate("WidgetBaseImpl", label.toUtf8().constData()));
+    if (!m_label)
+        return;
+    m_labelSource = label;
+    m_label->setText(QCoreApplication::translate("WidgetBaseImpl", label.toUtf8().constData()));
 }
 
 QString WidgetBaseImpl::getLabel() const
@@ -407,4 +409,14 @@ void WidgetBaseImpl::changeSize(const QString& /*size*/)
 
 void WidgetBaseImpl::retranslate()
 {
+}
+
+void WidgetBaseImpl::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange) {
+        if (m_label && !m_labelSource.isNull())
+            m_label->setText(QCoreApplication::translate("WidgetBaseImpl", m_labelSource.toUtf8().constData()));
+        retranslate();
+    }
+    QWidget::changeEvent(event);
 }

@@ -169,6 +169,8 @@ protected:
 
     void mouseReleaseEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    /// A change of language shows the caption anew and calls retranslate().
+    void changeEvent(QEvent* event) override;
 
     /// The subclass's caption, named "Label".
     void setLabelWidget(QLabel* label);
@@ -196,6 +198,8 @@ private:
     QPushButton* m_lockOverlay;
     QString m_attributeName;
     QLabel* m_label = nullptr;
+    // The caption as given, before translation.
+    QString m_labelSource;
     int m_updateDelay = 0;
     CORBA::Long m_lockHandle = 0;
     bool m_locked = false;

@@ -3,6 +3,7 @@
 #include "ApplicationOptions.h"
 #include "CSS.h"
 
+#include <QEvent>
 #include <QFontMetrics>
 #include <QLinearGradient>
 #include <QPainter>
@@ -42,6 +43,7 @@ bool isLandscape()
 }
 
 // The category icons by menu name; the first match counts, names are compared exactly.
+// The library's catalog translates these names, as a tile shows them.
 QString iconFor(const QString& system)
 {
     static const struct
@@ -49,22 +51,34 @@ QString iconFor(const QString& system)
         const char* names[4];
         const char* icon;
     } table[] = {
-        {{"Meters"}, ":/images/icon_meter.svg"},
-        {{"Oscilloscope", "Analyzers", "VSWR", "Instruments"}, ":/images/icon_analyzer.svg"},
-        {{"Receivers", "Demod"}, ":/images/icon_rcvr.svg"},
-        {{"Generators"}, ":/images/icon_gen.svg"},
-        {{"Utilities"}, ":/images/icon_utilities.svg"},
-        {{"System", "Config"}, ":/images/icon_system.svg"},
-        {{"Self Test"}, ":/images/icon_selftest.svg"},
-        {{"Scripting", "Language"}, ":/images/icon_scripting.svg"},
-        {{"RF Generators"}, ":/images/icon_rfgen.svg"},
-        {{"Ext. Power Supplies"}, ":/images/icon_powersupply.svg"},
-        {{"DMM"}, ":/images/icon_dmm.svg"},
-        {{"Digital Data Gen."}, ":/images/icon_digitaldatagen.svg"},
-        {{"Calibrations"}, ":/images/icon_calibration.svg"},
-        {{"Audio Generators", "Audio"}, ":/images/icon_audiogen.svg"},
-        {{"Applications"}, ":/images/icon_apps.svg"},
-        {{"Help"}, ":/images/icon_help.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "Meters")}, ":/images/icon_meter.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "Oscilloscope"),
+          QT_TRANSLATE_NOOP("MenuWidgetImpl", "Analyzers"),
+          QT_TRANSLATE_NOOP("MenuWidgetImpl", "VSWR"),
+          QT_TRANSLATE_NOOP("MenuWidgetImpl", "Instruments")},
+         ":/images/icon_analyzer.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "Receivers"),
+          QT_TRANSLATE_NOOP("MenuWidgetImpl", "Demod")},
+         ":/images/icon_rcvr.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "Generators")}, ":/images/icon_gen.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "Utilities")}, ":/images/icon_utilities.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "System"),
+          QT_TRANSLATE_NOOP("MenuWidgetImpl", "Config")},
+         ":/images/icon_system.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "Self Test")}, ":/images/icon_selftest.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "Scripting"),
+          QT_TRANSLATE_NOOP("MenuWidgetImpl", "Language")},
+         ":/images/icon_scripting.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "RF Generators")}, ":/images/icon_rfgen.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "Ext. Power Supplies")}, ":/images/icon_powersupply.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "DMM")}, ":/images/icon_dmm.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "Digital Data Gen.")}, ":/images/icon_digitaldatagen.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "Calibrations")}, ":/images/icon_calibration.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "Audio Generators"),
+          QT_TRANSLATE_NOOP("MenuWidgetImpl", "Audio")},
+         ":/images/icon_audiogen.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "Applications")}, ":/images/icon_apps.svg"},
+        {{QT_TRANSLATE_NOOP("MenuWidgetImpl", "Help")}, ":/images/icon_help.svg"},
     };
     for (const auto& row : table) {
         for (const char* name : row.names) {
@@ -260,4 +274,11 @@ void MenuWidgetImpl::paintEvent(QPaintEvent* event)
         painter.drawPolygon(QPolygonF({QPointF(0, -5), QPointF(-4.3301, 2.5), QPointF(4.3301, 2.5)}));
         painter.restore();
     }
+}
+
+void MenuWidgetImpl::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    QLabel::changeEvent(event);
 }

@@ -7,6 +7,7 @@
 #include <QPixmap>
 #include <QString>
 
+class QEvent;
 class QPaintEvent;
 class QResizeEvent;
 
@@ -47,6 +48,7 @@ public slots:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:

@@ -8,6 +8,7 @@
 #include "ScrollableMenuBarFrame.h"
 #include "SubMenu.h"
 
+#include <QEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPolygonF>
@@ -181,4 +182,11 @@ void SubMenuItem::paintEvent(QPaintEvent* event)
         }
     }
     QPushButton::paintEvent(event);
+}
+
+void SubMenuItem::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    QPushButton::changeEvent(event);
 }

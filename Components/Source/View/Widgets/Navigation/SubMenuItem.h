@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QString>
 
+class QEvent;
 class QMouseEvent;
 class QPaintEvent;
 class QScrollArea;
@@ -65,6 +66,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private slots:
     void toggledOn(bool on);

@@ -4,6 +4,7 @@
 #include "SubMenu.h"
 #include "SubSubMenu.h"
 
+#include <QEvent>
 #include <QFrame>
 
 SubSubMenuItem::SubSubMenuItem(SubSubMenu* menu, SubMenu* subMenu, const QString& label, QFrame* screen,
@@ -31,4 +32,11 @@ void SubSubMenuItem::setText(const QString& text)
 void SubSubMenuItem::retranslate()
 {
     QPushButton::setText(MenuEntryWiring::entryText(staticMetaObject.className(), label, instNum));
+}
+
+void SubSubMenuItem::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    QPushButton::changeEvent(event);
 }

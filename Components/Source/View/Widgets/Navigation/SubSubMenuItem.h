@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QString>
 
+class QEvent;
 class SubMenu;
 class SubSubMenu;
 
@@ -37,6 +38,9 @@ public:
 public slots:
     /// Shows \a text (translated, with the instance number) from now on.
     virtual void setText(const QString& text);
+
+protected:
+    void changeEvent(QEvent* event) override;
 
 private:
     QString label;
