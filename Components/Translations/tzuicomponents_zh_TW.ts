@@ -165,5 +165,57 @@
         <extracomment>%1 is why (such as CORBA::TRANSIENT), %2 the attribute, %3 the window</extracomment>
         <translation>%1 %2，與引擎中斷連線：%3</translation>
     </message>
+    <message>
+        <source>Engine module: %1</source>
+        <translation>引擎模組：%1</translation>
+    </message>
+    <message>
+        <source>unknown</source>
+        <translation>未知</translation>
+    </message>
+    <message>
+        <source>Attribute: %1</source>
+        <translation>屬性：%1</translation>
+    </message>
+    <message>
+        <source>Locked by: %1</source>
+        <translation>鎖定者：%1</translation>
+    </message>
+    <message>
+        <source>another user interface</source>
+        <translation>另一個使用者介面</translation>
+    </message>
+    <message>
+        <source>this display</source>
+        <translation>本顯示器</translation>
+    </message>
+    <message>
+        <source>Last value: %1</source>
+        <translation>最後數值：%1</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>無</translation>
+    </message>
+    <message>
+        <source>not bound</source>
+        <translation>未連結</translation>
+    </message>
+    <message>
+        <source>live</source>
+        <translation>即時</translation>
+    </message>
+    <message>
+        <source>locked</source>
+        <translation>已鎖定</translation>
+    </message>
+    <message>
+        <source>engine lost</source>
+        <translation>引擎中斷</translation>
+    </message>
+    <message>
+        <source>State: %1</source>
+        <translation>狀態：%1</translation>
+    </message>
 </context>
 </TS>

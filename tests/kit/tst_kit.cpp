@@ -285,7 +285,6 @@ void TestKit::buttonAndEngineLossFollowTheLanguage()
     auto* fromEngine = new PushButtonImpl(&window);
     fromEngine->setTextTranslated(false);
     fromEngine->setButtonText(QStringLiteral("Locked"));
-    emit button->attributeFeed()->lockChanged(true);
     window.show();
     const auto fontSize = [button] {
         button->button()->ensurePolished();
@@ -293,11 +292,13 @@ void TestKit::buttonAndEngineLossFollowTheLanguage()
     };
     const int englishSize = fontSize();
     const auto loseEngine = [button, &statusBar] {
-        emit button->attributeFeed()->engineLost(QStringLiteral("CORBA::TRANSIENT"), false);
+        emit button->attributeFeed()->engineLost(QStringLiteral("CORBA::TRANSIENT"));
         return statusBar.lastText();
     };
 
     for (const char* shown : {"zh_tw", "en", "zh_tw", ""}) {
+        // The engine back, holding the lock, so that each round loses it anew.
+        emit button->attributeFeed()->bindingFinished(true, true);
         language.switchTo(shown);
         const bool chinese = qstrcmp(shown, "zh_tw") == 0;
         const QString locked = chinese ? QStringLiteral("已鎖定") : QStringLiteral("Locked");
