@@ -76,7 +76,9 @@ QWidget* traceScreen()
     axis->setText(QStringLiteral("dBm"));
     axis->setProperty("FontColor", QStringLiteral("white"));
     axis->setProperty("FontSize", 14);
+    // A rotated label's size hint is that of its text lying flat: the host gives it room.
     axis->setFixedWidth(24);
+    axis->setMinimumHeight(48);
     layout->addWidget(axis);
     auto* trace = new QLabel(QStringLiteral("~~/\\/\\~~/\\~~"), form);
     trace->setAlignment(Qt::AlignCenter);
