@@ -1,7 +1,7 @@
 // Latency from a DDS write in another process to the subscriber's callback, for the typed
 // subscriber and, in the same run, for a plain Fast DDS listener on an identical reader.
 //
-//   tz-bench-ddslatency [--samples N] [--interval-us US]
+//   tz-bench-ddslatency [--samples N] [--interval-us US] [--report FILE]
 //
 // The program starts a copy of itself as the publisher, which writes event messages
 // alternately on two topics, each stamped with CLOCK_MONOTONIC (shared by the processes
@@ -13,6 +13,8 @@
 #include "DDS_ReaderQos.h"
 #include "DDS_Subscriber.h"
 #include "TopicPublisher.h"
+
+#include "BenchReport.h"
 
 #include <OrvanthTopicsPubSubTypes.h>
 
@@ -171,6 +173,7 @@ std::int64_t percentile(const std::vector<std::int64_t>& sorted, double fraction
 
 int main(int argc, char* argv[])
 {
+    BenchReport report("ddslatency", argc, argv);
     int samples = 5000;
     int intervalUs = 1000;
     bool publisher = false;
@@ -183,7 +186,7 @@ int main(int argc, char* argv[])
         else if (argument == "--publisher")
             publisher = true;
         else {
-            std::cerr << "usage: tz-bench-ddslatency [--samples N] [--interval-us US]" << std::endl;
+            std::cerr << "usage: tz-bench-ddslatency [--samples N] [--interval-us US] [--report FILE]" << std::endl;
             return 2;
         }
     }
@@ -242,6 +245,18 @@ int main(int argc, char* argv[])
     const double p99Ratio = double(percentile(typed, 0.99)) / double(std::max<std::int64_t>(1, percentile(plain, 0.99)));
     std::printf("ratio typed/plain    median %.2f   p99 %.2f   (goal: at most 1.50) %s\n", medianRatio, p99Ratio,
                 medianRatio <= 1.5 && p99Ratio <= 1.5 ? "met" : "MISSED");
+    report.ratioAtMost("publish to typed callback, median", microseconds(percentile(typed, 0.5)), "us",
+                       "plain listener", microseconds(percentile(plain, 0.5)), 1.5);
+    report.ratioAtMost("publish to typed callback, p99", microseconds(percentile(typed, 0.99)), "us",
+                       "plain listener", microseconds(percentile(plain, 0.99)), 1.5);
+    report.info("samples received by the typed subscriber", double(typed.size()), "of " + std::to_string(samples));
+    std::vector<double> plainUs, typedUs;
+    for (const std::int64_t ns : plain)
+        plainUs.push_back(microseconds(ns));
+    for (const std::int64_t ns : typed)
+        typedUs.push_back(microseconds(ns));
+    report.samples("plain listener", "us", plainUs);
+    report.samples("typed subscriber", "us", typedUs);
     DDS_BaseObj::shutdownDds();
     return status;
 }

@@ -3,12 +3,14 @@
 // then a fresh container is placed and released repeatedly beside 10, 50 and 200 open
 // ones. Runs on the offscreen platform unless QT_QPA_PLATFORM says otherwise.
 //
-//   tz-bench-desktopplacement [repetitions]     (default 200)
+//   tz-bench-desktopplacement [repetitions] [--report FILE]     (default 200)
 
 #include "ContainerBase.h"
 #include "DesktopImpl.h"
 #include "DesktopManagerImpl.h"
 #include "GlobalImpl.h"
+
+#include "BenchReport.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -87,7 +89,7 @@ public:
     std::unique_ptr<DesktopManagerImpl> manager;
 };
 
-void run(QSize desktopSize, QSize containerSize, int repetitions)
+void run(QSize desktopSize, QSize containerSize, int repetitions, BenchReport& report)
 {
     const int cells = (desktopSize.width() / 10) * (desktopSize.height() / 10);
     const int containerCells = (containerSize.width() / 10) * (containerSize.height() / 10);
@@ -137,6 +139,14 @@ void run(QSize desktopSize, QSize containerSize, int repetitions)
         const Figures release = summarise(releases);
         std::printf("  %6d | %11.1f us %8.1f us | %11.1f us %8.1f us\n", count, place.medianMicroseconds,
                     place.maxMicroseconds, release.medianMicroseconds, release.maxMicroseconds);
+        if (count == checkpoints.last()) {
+            const std::string what = std::to_string(containerSize.width()) + "x" + std::to_string(containerSize.height())
+                                     + " on " + std::to_string(desktopSize.width()) + "x"
+                                     + std::to_string(desktopSize.height()) + " with " + std::to_string(count)
+                                     + " open";
+            report.info("placement of " + what + ", median", place.medianMicroseconds, "us");
+            report.info("release of " + what + ", median", release.medianMicroseconds, "us");
+        }
     }
     qDeleteAll(open);
 }
@@ -147,16 +157,17 @@ int main(int argc, char** argv)
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    BenchReport report("desktopplacement", argc, argv);
     QApplication application(argc, argv);
     application.setProperty("-systype", QStringLiteral("benchtop"));
     const int repetitions = argc > 1 ? std::max(1, QByteArray(argv[1]).toInt()) : 200;
     GlobalImpl::getInstance();
 
     std::printf("placement and release on a benchtop desktop, %d repetitions per row", repetitions);
-    run(QSize(1280, 800), QSize(40, 30), repetitions);
-    run(QSize(1280, 800), QSize(200, 150), repetitions);
+    run(QSize(1280, 800), QSize(40, 30), repetitions, report);
+    run(QSize(1280, 800), QSize(200, 150), repetitions, report);
     // Four times the cells: a placement's cost is bounded by its candidates, not the desktop.
-    run(QSize(2560, 1600), QSize(40, 30), repetitions);
+    run(QSize(2560, 1600), QSize(40, 30), repetitions, report);
     std::printf("\n");
     return 0;
 }

@@ -19,6 +19,7 @@
 #include "ORB_base.h"
 #include "OrvanthNames.h"
 
+#include "BenchReport.h"
 #include "ChildProcess.h"
 #include "NamingServiceProcess.h"
 
@@ -98,6 +99,7 @@ void discardMessages(QtMsgType, const QMessageLogContext&, const QString&)
 
 int main(int argc, char* argv[])
 {
+    BenchReport report("discovery", argc, argv);
     setenv("ORVANTH_DDS_DOMAIN", "198", 0);
     QCoreApplication application(argc, argv);
     int modules = 50;
@@ -109,7 +111,7 @@ int main(int argc, char* argv[])
         else if (arguments[i] == QLatin1String("--runs") && i + 1 < arguments.size())
             runs = std::max(1, arguments[++i].toInt());
         else {
-            std::fprintf(stderr, "usage: tz-bench-discovery [--modules N] [--runs R]\n");
+            std::fprintf(stderr, "usage: tz-bench-discovery [--modules N] [--runs R] [--report FILE]\n");
             return 2;
         }
     }
@@ -189,6 +191,12 @@ int main(int argc, char* argv[])
     std::printf("ratio to plain (median)               initialize %.2f   announced %.2f\n",
                 median(initializeMs) / std::max(1e-9, median(plainMs)),
                 median(announcedMs) / std::max(1e-9, median(plainMs)));
+
+    const std::string what = "discovery of " + std::to_string(modules) + " modules";
+    report.ratioAtMost(what + ": initialize(), median", median(initializeMs), "ms", "plain list+resolve+ping",
+                       median(plainMs), 1.3);
+    report.ratioAtMost(what + ": to last NewGUIAble, median", median(announcedMs), "ms", "plain list+resolve+ping",
+                       median(plainMs), 1.3);
 
     qInstallMessageHandler(nullptr);
     simulator.stop();

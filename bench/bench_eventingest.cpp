@@ -1,7 +1,7 @@
 // Engine event messages into the message log at rising rates, with a GUI-thread timer
 // beside them: the highest rate the log takes in while the timer still runs within 50 ms.
 //
-//   tz-bench-eventingest [--rates R1,R2,...] [--seconds S] [--file]
+//   tz-bench-eventingest [--rates R1,R2,...] [--seconds S] [--file] [--report FILE]
 //
 // For each rate (default 1000,2000,5000,10000,20000,40000 messages a second) the program
 // starts a copy of itself as the engine, which publishes event messages of all six
@@ -22,12 +22,15 @@
 #include "QTZMsgLogger.h"
 #include "TopicPublisher.h"
 
+#include "BenchReport.h"
+
 #include <OrvanthTopicsPubSubTypes.h>
 
 #include <QApplication>
 #include <QColor>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -49,6 +52,19 @@ constexpr int TimerPeriodMs = 10;
 constexpr qint64 GapLimitMs = 50;
 
 void discardMessages(QtMsgType, const QMessageLogContext&, const QString&) {}
+
+// Resident memory of this process, in megabytes.
+double residentMegabytes()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:"))
+            return line.mid(6).trimmed().split(' ').value(0).toDouble() / 1024.0;
+    }
+    return 0;
+}
 
 // The engine: publishes \a rate messages a second for \a seconds once a reader is matched.
 int publish(double rate, double seconds)
@@ -254,6 +270,7 @@ std::vector<double> parseRates(const char* text)
 
 int main(int argc, char** argv)
 {
+    BenchReport report("eventingest", argc, argv);
     if (!qEnvironmentVariableIsSet("ORVANTH_DDS_DOMAIN"))
         qputenv("ORVANTH_DDS_DOMAIN", "197");
     if (argc == 4 && std::string(argv[1]) == "--publish") {
@@ -274,7 +291,7 @@ int main(int argc, char** argv)
         else if (argument == "--file")
             toFile = true;
         else {
-            std::fprintf(stderr, "usage: %s [--rates R1,R2,...] [--seconds S] [--file]\n", argv[0]);
+            std::fprintf(stderr, "usage: %s [--rates R1,R2,...] [--seconds S] [--file] [--report FILE]\n", argv[0]);
             return 2;
         }
     }
@@ -312,8 +329,21 @@ int main(int argc, char** argv)
     std::printf("%10s %9s %9s %9s %13s %11s %9s  %s\n", "offered/s", "sent", "received", "logged",
                 "logged/s pub.", "max gap ms", "drain ms", "sustained");
     double best = 0;
+    // Resident memory once the log's ring is full, against the end.
+    double ringFullMb = 0;
+    long eventsAfterRingFull = 0;
     for (double rate : rates) {
         const StepResult r = runStep(rate, seconds, receiver, ingest, QCoreApplication::applicationFilePath());
+        if (ringFullMb == 0 && ingest.logged() >= MsgLogger::MaximumLines)
+            ringFullMb = residentMegabytes();
+        else if (ringFullMb > 0)
+            eventsAfterRingFull += r.logged;
+        const std::string at = " at " + std::to_string(long(rate)) + "/s";
+        report.info("messages lost before the reader took them" + at, double(r.sent - r.received),
+                    "of " + std::to_string(r.sent));
+        report.atMost("messages lost after the reader took them" + at, double(r.received - r.logged), "", 0);
+        report.atMost("longest GUI-timer gap" + at, double(r.maxGapMs), "ms", GapLimitMs, "timer period",
+                      TimerPeriodMs);
         const double loggedRate = r.publishSeconds > 0 ? double(r.loggedWhilePublishing) / r.publishSeconds : 0.0;
         std::printf("%10.0f %9ld %9ld %9ld %13.0f %11lld %9lld  %s\n", r.rate, r.sent, r.received, r.logged,
                     loggedRate, static_cast<long long>(r.maxGapMs), static_cast<long long>(r.drainMs),
@@ -324,6 +354,12 @@ int main(int argc, char** argv)
     }
     std::printf("sustained: %.0f messages/s with the GUI timer within %lld ms (goal 10000)\n", best,
                 static_cast<long long>(GapLimitMs));
+    const double endMb = residentMegabytes();
+    std::printf("resident memory: %.1f MB with the ring full, %.1f MB after %ld more events\n", ringFullMb, endMb,
+                eventsAfterRingFull);
+    report.atLeast("sustained rate, GUI timer within 50 ms", best, "1/s", 10000);
+    report.atMost("resident memory growth over " + std::to_string(eventsAfterRingFull) + " events", endMb - ringFullMb,
+                  "MB", 2, "resident memory with the ring full", ringFullMb);
 
     subscriber.reset();
     Orvanth::DDS_BaseObj::shutdownDds();

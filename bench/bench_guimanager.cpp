@@ -1,7 +1,7 @@
 // Round trip of the remote GUI service from another process, beside a raw omniORB null
 // call between two processes in the same run.
 //
-//   tz-bench-guimanager [--calls N] [--host PROGRAM]
+//   tz-bench-guimanager [--calls N] [--host PROGRAM] [--report FILE]
 //
 // Starts omniNames on a free loopback port, the demo host offscreen (or PROGRAM, a host
 // taking the same options) serving Lumaro/local/GUIManager, and this program again as a
@@ -19,6 +19,7 @@
 #include "OrvanthNames.h"
 #include "StopSignals.h"
 
+#include "BenchReport.h"
 #include "ChildProcess.h"
 #include "NamingServiceProcess.h"
 
@@ -43,7 +44,7 @@
 namespace {
 
 const char nullPath[] = "Bench/NullCall";
-constexpr int round = 100;
+constexpr int callsPerRound = 100;
 
 // The null-call server: one GUI module in a single-thread POA, bound under nullPath,
 // until SIGTERM.
@@ -94,13 +95,14 @@ int main(int argc, char* argv[])
             return serveNullCalls();
     }
 
+    BenchReport report("guimanager", argc, argv);
     QCoreApplication application(argc, argv);
     int calls = 2000;
     QString host = QStringLiteral(TZ_DEMO_HOST);
     const QStringList arguments = application.arguments();
     for (int i = 1; i < arguments.size(); ++i) {
         if (arguments[i] == QLatin1String("--calls") && i + 1 < arguments.size())
-            calls = std::max(round, arguments[++i].toInt());
+            calls = std::max(callsPerRound, arguments[++i].toInt());
         else if (arguments[i] == QLatin1String("--host") && i + 1 < arguments.size())
             host = arguments[++i];
         else {
@@ -159,23 +161,36 @@ int main(int argc, char* argv[])
                 {"IsDialogActive", [&] { manager->IsDialogActive("Bench"); }, {}},
             };
             try {
-                for (int done = -round; done < calls; done += round) {
+                for (int done = -callsPerRound; done < calls; done += callsPerRound) {
                     for (Series& kind : series) {
-                        for (int i = 0; i < round; ++i) {
+                        for (int i = 0; i < callsPerRound; ++i) {
                             QElapsedTimer clock;
                             clock.start();
                             kind.call();
-                            // The first round only opens connections and warms caches.
+                            // The first callsPerRound only opens connections and warms caches.
                             if (done >= 0)
                                 kind.microseconds.push_back(double(clock.nsecsElapsed()) / 1e3);
                         }
                     }
                 }
-                std::printf("%d calls each from a separate process, after a warm-up of %d\n", calls, round);
+                std::printf("%d calls each from a separate process, after a warm-up of %d\n", calls, callsPerRound);
                 std::printf("%-22s %12s %12s\n", "call", "median us", "p99 us");
                 for (const Series& kind : series)
                     std::printf("%-22s %12.1f %12.1f\n", kind.name, percentile(kind.microseconds, 0.5),
                                 percentile(kind.microseconds, 0.99));
+                const Series& null = series[0];
+                const double nullMedian = percentile(null.microseconds, 0.5);
+                report.info("null call (omniORB), median", nullMedian, "us");
+                report.info("null call (omniORB), p99", percentile(null.microseconds, 0.99), "us");
+                for (std::size_t i = 1; i < series.size(); ++i) {
+                    const std::string name = series[i].name;
+                    report.ratioAtMost(name + ", median", percentile(series[i].microseconds, 0.5), "us",
+                                       "null call", nullMedian, 1.3);
+                    report.atMost(name + ", p99", percentile(series[i].microseconds, 0.99), "us", 2000,
+                                  "null call", percentile(null.microseconds, 0.99));
+                }
+                for (const Series& kind : series)
+                    report.samples(kind.name, "us", kind.microseconds);
             } catch (const CORBA::Exception& e) {
                 std::fprintf(stderr, "a call failed: %s\n", e._name());
                 status = 1;

@@ -18,6 +18,7 @@
 // the median and 99th percentile of each, in microseconds (discovery in milliseconds).
 // DDS domain from ORVANTH_DDS_DOMAIN (default 198 here, away from the tests' domains).
 
+#include "BenchReport.h"
 #include "ChildProcess.h"
 #include "NamingServiceProcess.h"
 
@@ -291,6 +292,7 @@ Placement measure(NetworkNamespaces& network, bool remote, const Settings& setti
 
 int main(int argc, char* argv[])
 {
+    BenchReport report("remotehosts", argc, argv);
     Settings settings;
     QStringList options;
     enum class Role { Orchestrate, Engine, Measure } role = Role::Orchestrate;
@@ -305,7 +307,7 @@ int main(int argc, char* argv[])
             (argument == "--samples" ? settings.samples : argument == "--calls" ? settings.calls : settings.modules) = value;
             options << QString::fromStdString(argument) << QString::number(value);
         } else {
-            std::cerr << "usage: tz-bench-remotehosts [--samples N] [--calls N] [--modules N]" << std::endl;
+            std::cerr << "usage: tz-bench-remotehosts [--samples N] [--calls N] [--modules N] [--report FILE]" << std::endl;
             return 2;
         }
     }
@@ -335,6 +337,8 @@ int main(int argc, char* argv[])
     std::printf("%-28s %14s %16s %12s\n", "", "loopback", "across the link", "difference");
     const auto row = [&](const char* label, double onLoopback, double acrossLink) {
         std::printf("%-28s %14.1f %16.1f %+12.1f\n", label, onLoopback, acrossLink, acrossLink - onLoopback);
+        report.add({std::string(label) + " across the link", acrossLink, "", "loopback", onLoopback,
+                    BenchReport::Goal::Info, NAN});
     };
     row("DDS one-way median (us)", loopback.results.value("dds-median"), link.results.value("dds-median"));
     row("DDS one-way p99 (us)", loopback.results.value("dds-p99"), link.results.value("dds-p99"));

@@ -3,6 +3,7 @@
 // thread beside a plain Fast DDS reader of the same lock samples in the same run.
 //
 //   tz-bench-widgetbinding [--bind N] [--widgets N] [--rate HZ] [--seconds S] [--update-delay MS]
+//                          [--report FILE]
 //
 // Starts omniNames on a free loopback port and the engine simulator (one module), then:
 //  1. binds N widgets (default 100) by name to the simulator's four lockable attributes,
@@ -25,6 +26,7 @@
 #include "ORB_base.h"
 #include "WidgetBaseImpl.h"
 
+#include "BenchReport.h"
 #include "ChildProcess.h"
 #include "NamingServiceProcess.h"
 
@@ -240,6 +242,7 @@ struct WidgetSet
 
 int main(int argc, char* argv[])
 {
+    BenchReport report("widgetbinding", argc, argv);
     setenv("ORVANTH_DDS_DOMAIN", "197", 0);
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     QApplication application(argc, argv);
@@ -316,6 +319,8 @@ int main(int argc, char* argv[])
                     done ? "done" : "TIMED OUT", totalMs, totalMs / bindCount, set.bound, set.failed);
         std::printf("  GUI thread: longest gap %.2f ms (goal <= 16), %d gaps above 16 ms, busy %.1f %%\n",
                     meter.longestGapMs(), meter.longGaps(), 100.0 * meter.cpuShare());
+        report.info("binding " + std::to_string(bindCount) + " widgets", totalMs, "ms");
+        report.atMost("binding: longest GUI-thread gap", meter.longestGapMs(), "ms", 16);
         if (!done || set.failed > 0 || meter.longestGapMs() > 16.0)
             status = 1;
     }
@@ -406,6 +411,13 @@ int main(int argc, char* argv[])
         std::printf("  GUI thread: busy %.1f %%, longest gap %.2f ms, %d gaps above 16 ms; whole process CPU %.0f %% "
                     "of one core\n",
                     100.0 * meter.cpuShare(), meter.longestGapMs(), meter.longGaps(), 100.0 * processShare);
+        const std::string storm = std::to_string(stormCount) + " widgets, " + std::to_string(rate)
+                                  + " lock changes/s";
+        report.info("lock storm (" + storm + "): GUI thread busy", 100.0 * meter.cpuShare(), "%");
+        report.atMost("lock storm: longest GUI-thread gap", meter.longestGapMs(), "ms", 16);
+        report.add({"lock storm: lock states shown per widget per s", double(shownInStorm) / stormCount / stormSeconds,
+                    "1/s", "plain DDS reader, per topic",
+                    double(plainSamples) / double(attributeNames.size()) / stormSeconds, BenchReport::Goal::Info, NAN});
         if (!settled)
             status = 1;
         plainReaders.clear();
