@@ -14,6 +14,8 @@ const char* const hostOptionsHelp =
     "  -debug                diagnostic lines on standard error from the start (a right\n"
     "                        click on the desktop toggles them)\n"
     "  -quit-after MS        close the desktop after MS milliseconds\n"
+    "  -first-frame          write \"FIRST FRAME\" and the monotonic clock in ns on\n"
+    "                        standard output once the first frame is painted\n"
     "  -message-log FILE     copy every status bar message to FILE as it arrives\n"
     "  -answer-dialogs MS    for tests without a display: answer every dialog with its\n"
     "                        first button MS milliseconds after it opens";
@@ -59,6 +61,8 @@ HostOptions::HostOptions(const QStringList& arguments)
         const QString& name = rest.at(i);
         if (name == QLatin1String("-debug")) {
             m_debugOutput = true;
+        } else if (name == QLatin1String("-first-frame")) {
+            m_firstFrame = true;
         } else if (name == QLatin1String("-quit-after") || name == QLatin1String("-answer-dialogs")) {
             const int ms = milliseconds(rest, i);
             if (ms < 0) {

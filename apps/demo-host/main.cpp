@@ -7,6 +7,7 @@
 #include "ApplicationOptions.h"
 #include "DesktopImpl.h"
 #include "DialogAnswerer.h"
+#include "FirstFrameStamp.h"
 #include "HostOptions.h"
 #include "GlobalImpl.h"
 #include "HostWindow.h"
@@ -52,6 +53,8 @@ int main(int argc, char* argv[])
     if (options.answerDialogsAfterMs() >= 0)
         new DialogAnswerer(desktop, options.answerDialogsAfterMs());
     qDebug() << "UserInterface - Demo host - desktop" << window.size() << "snap points" << registry->gridPoints.size();
+    if (options.firstFrameStamp())
+        new FirstFrameStamp(&window);
     if (ApplicationOptions::fullScreen())
         window.showFullScreen();
     else
