@@ -59,11 +59,14 @@ QWidget* meterScreen()
     auto* layout = new QVBoxLayout(form);
     auto* reading = new QTZScalableLabel(form);
     reading->setAlignment(Qt::AlignCenter);
-    // A pixel-sized font is shrunk to fit the label's width.
+    // A pixel-sized font is shrunk to fit the label's width, each time the width changes.
+    // The text goes first, while the font is not pixel-sized: fitted now, in the label's
+    // first 100 pixels, it would load a font of every size on the way down, only to be
+    // fitted again once the container lays the label out.
+    reading->setText(QStringLiteral("-12.734 dBm"));
     QFont font = reading->font();
     font.setPixelSize(44);
     reading->setFont(font);
-    reading->setText(QStringLiteral("-12.734 dBm"));
     layout->addWidget(reading);
     return form;
 }
