@@ -334,9 +334,10 @@ CORBA::Long GUIManagerImpl::DisplayDataEntry(const char* title, const char* msg,
 void GUIManagerImpl::CloseDialog(const char* dialog)
 {
     try {
-        if (serving("CloseDialog"))
+        if (serving("CloseDialog")) {
             emit closeDialog(incoming(dialog, "CloseDialog"));
             noteQueuedRequest();
+        }
     } catch (...) {
         CorbaFailure::logException(sourceFile, "CloseDialog", __LINE__);
     }
