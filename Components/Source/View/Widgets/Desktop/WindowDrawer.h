@@ -35,14 +35,16 @@ class TZUICOMPONENTS_EXPORT WindowDrawer : public QFrame
     Q_PROPERTY(QString windowCaption READ windowCaption)
 
 public:
-    enum DockPosition_t {
+    // Both enums have a fixed type: remote calls and forms hand over any int, which
+    // the drawer range-checks, and only a fixed type makes such a value defined.
+    enum DockPosition_t : int {
         Left = 0,
         Right = 1,
     };
     Q_ENUM(DockPosition_t)
 
     /// How updateGeometry() places the drawer.
-    enum UpdateMode_t {
+    enum UpdateMode_t : int {
         BesideContainer = 0,
         ScreenEdge = 1,
         /// Closed, on the side it has just been moved to.
