@@ -78,7 +78,7 @@ void TestDiscovery::initTestCase()
     m_port = NamingServiceProcess::freeLoopbackPort();
     QVERIFY(m_port != 0);
     const QString initRef = QStringLiteral("NameService=corbaname::127.0.0.1:%1").arg(m_port);
-    qApp->setProperty("-ORBInitRef", initRef);
+    QCoreApplication::instance()->setProperty("-ORBInitRef", initRef);
     qputenv("ORBInitRef", initRef.toLatin1());
     ApplicationOrb::start();
     m_server = std::make_unique<Orvanth::EngineServer>();

@@ -13,6 +13,7 @@
 #include "LogCapture.h"
 #include "NamingServiceProcess.h"
 #include "ProcessSockets.h"
+#include "QueuedSignalSpy.h"
 
 #include "DDS_BaseObj.h"
 #include "GlobalImpl.h"
@@ -121,7 +122,8 @@ private slots:
         const int left = m_demoHost.output().lastIndexOf(moduleLeft.arg(2));
         QTRY_VERIFY_WITH_TIMEOUT(m_demoHost.output().indexOf(moduleShown.arg(2), left) > left, 15000);
         // So does this process's discovery.
-        QSignalSpy destroyed(m_discovery.get(), &NamingServiceImpl::destroy);
+        // Emitted on the DDS thread that delivers the broadcast.
+        QueuedSignalSpy destroyed(m_discovery.get(), &NamingServiceImpl::destroy);
         QTRY_COMPARE_WITH_TIMEOUT(destroyed.value(0).value(0).toString(), QStringLiteral("2"), 15000);
     }
 
@@ -172,7 +174,7 @@ private slots:
         QVERIFY(bindButton());
         const Orvanth::GUI_Able_var steady = m_discovery->getModule(QStringLiteral("1"));
         QVERIFY(!CORBA::is_nil(steady));
-        QSignalSpy created(m_discovery.get(), &NamingServiceImpl::NewGUIAble);
+        QueuedSignalSpy created(m_discovery.get(), &NamingServiceImpl::NewGUIAble);
         QSignalSpy failures(m_button, &WidgetBaseImpl::exceptionMessage);
         m_discovery->setPingInterval(pingIntervalMs);
         m_log->clear();

@@ -190,6 +190,8 @@ private:
     QTemporaryDir m_files;
     QWidget m_window;
     DesktopImpl* m_desktop = nullptr;
+    // Owned by the host, as the registry only points to it.
+    std::unique_ptr<DesktopManagerImpl> m_desktopManager;
     GUIManagerReceiver* m_receiver = nullptr;
     ScreenStateManager* m_store = nullptr;
     MenuBar* m_menuBar = nullptr;
@@ -225,7 +227,8 @@ void TestRemoteService::initTestCase()
     m_desktop = new DesktopImpl(&m_window);
     registry->setDesktop(m_desktop);
     registry->systemModule()->setSystemScreen(QStringLiteral("MainWindow"), &m_window);
-    registry->setDesktopManager(new DesktopManagerImpl);
+    m_desktopManager = std::make_unique<DesktopManagerImpl>();
+    registry->setDesktopManager(m_desktopManager.get());
     m_store = new ScreenStateManager(m_desktop);
     registry->systemModule()->setModule(QStringLiteral("ScreenStateManager"), m_store);
     m_dcs = new QFrame(m_desktop);
@@ -265,6 +268,7 @@ void TestRemoteService::cleanupTestCase()
 {
     m_manager = Lumaro::gui::GUIManager::_nil();
     delete GlobalImpl::existingInstance();
+    m_desktopManager.reset();
     m_orb.reset();
     ORB_base::destroyProcessOrb();
     m_naming.stop();

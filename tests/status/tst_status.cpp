@@ -4,6 +4,7 @@
 // topics of the engine simulator.
 
 #include "LogCapture.h"
+#include "QueuedSignalSpy.h"
 #include "SimulatorSession.h"
 
 #include "ApplicationOrb.h"
@@ -537,7 +538,8 @@ void TestStatus::followsTheEngineSimulator()
     QVERIFY(engine.waitForLine(QStringLiteral("SET REFOSCILLATOR1 1"), 1, 10000));
     QCOMPARE(engine.count(QStringLiteral("SET REFOSCILLATOR1 2")), 0);
     // Once the engine reports the new value, the switch stays where the user put it.
-    QSignalSpy reports(&bar, &StatusBarImpl::updateRefOscillatorStatus);
+    // Emitted on the DDS thread.
+    QueuedSignalSpy reports(&bar, &StatusBarImpl::updateRefOscillatorStatus);
     QTRY_VERIFY_WITH_TIMEOUT(!reports.isEmpty() && !reports.last().at(0).toBool(), 10000);
     QVERIFY(!bar.isExternalReference());
     QCOMPARE(bar.messageCount(), 1);

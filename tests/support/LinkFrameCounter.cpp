@@ -55,7 +55,7 @@ void LinkFrameCounter::count(const unsigned char* frame, long length)
     if (broadcast || !((frame[0] & 0x01) || groupPacket))
         return;
     ++m_multicast;
-    QMutexLocker lock(&m_mutex);
+    std::lock_guard<std::mutex> lock(m_mutex);
     if (m_samples.size() < 5)
         m_samples << QStringLiteral("to %1, type 0x%2, %3 bytes")
                          .arg(QString::fromLatin1(QByteArray(reinterpret_cast<const char*>(frame), ETH_ALEN).toHex(':')))

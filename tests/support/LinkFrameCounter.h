@@ -1,10 +1,10 @@
 #ifndef LINKFRAMECOUNTER_H
 #define LINKFRAMECOUNTER_H
 
-#include <QMutex>
 #include <QStringList>
 
 #include <atomic>
+#include <mutex>
 #include <thread>
 
 /**
@@ -25,7 +25,7 @@ public:
 
     int frames() const { return m_frames; }
     int multicastFrames() const { return m_multicast; }
-    QStringList multicastSamples() const { return QMutexLocker(&m_mutex), m_samples; }
+    QStringList multicastSamples() const { return std::lock_guard<std::mutex>(m_mutex), m_samples; }
 
 private:
     void count(const unsigned char* frame, long length);
@@ -35,7 +35,7 @@ private:
     std::atomic<bool> m_stopping{false};
     std::atomic<int> m_frames{0};
     std::atomic<int> m_multicast{0};
-    mutable QMutex m_mutex;
+    mutable std::mutex m_mutex;
     QStringList m_samples;
     std::thread m_reader;
 };

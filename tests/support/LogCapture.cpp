@@ -7,7 +7,7 @@ LogCapture::LogCapture()
     s_current = this;
     m_previous = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) {
         if (LogCapture* capture = s_current) {
-            QMutexLocker locker(&capture->m_mutex);
+            std::lock_guard<std::mutex> locker(capture->m_mutex);
             capture->m_lines.append(message);
         }
     });
@@ -21,6 +21,6 @@ LogCapture::~LogCapture()
 
 void LogCapture::clear()
 {
-    QMutexLocker locker(&m_mutex);
+    std::lock_guard<std::mutex> locker(m_mutex);
     m_lines.clear();
 }

@@ -1,8 +1,9 @@
 #ifndef LOGCAPTURE_H
 #define LOGCAPTURE_H
 
-#include <QMutex>
 #include <QStringList>
+
+#include <mutex>
 
 /**
  * Records every Qt message of the process while it exists (from any thread), in place
@@ -18,7 +19,7 @@ public:
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    QStringList lines() const { return QMutexLocker(&m_mutex), m_lines; }
+    QStringList lines() const { return std::lock_guard<std::mutex>(m_mutex), m_lines; }
     /// The lines that contain \a text.
     QStringList linesContaining(const QString& text) const { return lines().filter(text); }
     bool contains(const QString& text) const { return !linesContaining(text).isEmpty(); }
@@ -27,7 +28,7 @@ public:
 private:
     static LogCapture* s_current;
     QtMessageHandler m_previous;
-    mutable QMutex m_mutex;
+    mutable std::mutex m_mutex;
     QStringList m_lines;
 };
 

@@ -2,10 +2,10 @@
 #define SAMPLECOLLECTOR_H
 
 #include <QElapsedTimer>
-#include <QMutex>
 #include <QThread>
 
 #include <algorithm>
+#include <mutex>
 #include <vector>
 
 /**
@@ -23,13 +23,13 @@ public:
 
     void add(const Value& value)
     {
-        QMutexLocker lock(&m_mutex);
+        std::lock_guard<std::mutex> lock(m_mutex);
         m_deliveries.push_back({value, QThread::currentThreadId(), m_clock.elapsed()});
     }
 
     std::vector<Delivery> deliveries() const
     {
-        QMutexLocker lock(&m_mutex);
+        std::lock_guard<std::mutex> lock(m_mutex);
         return m_deliveries;
     }
 
@@ -57,7 +57,7 @@ private:
 
     QElapsedTimer m_clock;
     const Qt::HANDLE m_testThread = QThread::currentThreadId();
-    mutable QMutex m_mutex;
+    mutable std::mutex m_mutex;
     std::vector<Delivery> m_deliveries;
 };
 

@@ -1,10 +1,10 @@
 #ifndef STREAMCAPTURE_H
 #define STREAMCAPTURE_H
 
-#include <QMutex>
 #include <QString>
 
 #include <iostream>
+#include <mutex>
 #include <string>
 
 /// Collects what any thread writes to \a stream (std::cout or std::cerr) while it lives.
@@ -14,7 +14,7 @@ public:
     explicit StreamCapture(std::ostream& stream) : m_stream(stream), m_previous(stream.rdbuf(this)) {}
     ~StreamCapture() override { m_stream.rdbuf(m_previous); }
 
-    QString text() { return QMutexLocker(&m_mutex), QString::fromStdString(m_text); }
+    QString text() { return std::lock_guard<std::mutex>(m_mutex), QString::fromStdString(m_text); }
 
     int count(const QString& needle) { return text().count(needle); }
 
@@ -26,7 +26,7 @@ protected:
 
     std::streamsize xsputn(const char* data, std::streamsize size) override
     {
-        QMutexLocker lock(&m_mutex);
+        std::lock_guard<std::mutex> lock(m_mutex);
         m_text.append(data, std::size_t(size));
         return size;
     }
@@ -34,7 +34,7 @@ protected:
 private:
     std::ostream& m_stream;
     std::streambuf* m_previous;
-    QMutex m_mutex;
+    std::mutex m_mutex;
     std::string m_text;
 };
 

@@ -12,7 +12,6 @@
 
 #include <QDebug>
 #include <QMetaObject>
-#include <QMutexLocker>
 #include <QResizeEvent>
 #include <QThread>
 #include <QWidget>
@@ -164,19 +163,19 @@ QWidget* GUIManagerImpl::screenFor(const QString& name, const char* operation)
 
 QString GUIManagerImpl::responseData() const
 {
-    QMutexLocker lock(&m_responseMutex);
+    std::lock_guard<std::mutex> lock(m_responseMutex);
     return m_responseData;
 }
 
 QString GUIManagerImpl::responsePath() const
 {
-    QMutexLocker lock(&m_responseMutex);
+    std::lock_guard<std::mutex> lock(m_responseMutex);
     return m_responsePath;
 }
 
 QString GUIManagerImpl::responseFilename() const
 {
-    QMutexLocker lock(&m_responseMutex);
+    std::lock_guard<std::mutex> lock(m_responseMutex);
     return m_responseFilename;
 }
 
@@ -190,7 +189,7 @@ void GUIManagerImpl::getResponse(const long& code)
 void GUIManagerImpl::getResponse(const long& code, const QString& data)
 {
     {
-        QMutexLocker lock(&m_responseMutex);
+        std::lock_guard<std::mutex> lock(m_responseMutex);
         m_responseData = data;
     }
     getResponse(code);
@@ -199,7 +198,7 @@ void GUIManagerImpl::getResponse(const long& code, const QString& data)
 void GUIManagerImpl::getResponse(const long& code, const QString& path, const QString& filename)
 {
     {
-        QMutexLocker lock(&m_responseMutex);
+        std::lock_guard<std::mutex> lock(m_responseMutex);
         m_responsePath = path;
         m_responseFilename = filename;
     }

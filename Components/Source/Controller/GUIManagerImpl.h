@@ -9,7 +9,6 @@
 #include <GUIManager.hh>
 #pragma GCC visibility pop
 
-#include <QMutex>
 #include <QObject>
 #include <QSize>
 #include <QString>
@@ -161,7 +160,8 @@ private:
     std::atomic<CORBA::Long> m_responseCode{0};
     // The answer texts are written in the GUI thread whenever the user answers a dialog
     // that did not wait, which may be while a later call reads them on an ORB thread.
-    mutable QMutex m_responseMutex;
+    // A standard mutex, which ThreadSanitizer sees, unlike Qt 5's futex-based one.
+    mutable std::mutex m_responseMutex;
     QString m_responseData = QStringLiteral("");
     QString m_responsePath;
     QString m_responseFilename;

@@ -101,7 +101,7 @@ NamingServiceImpl::~NamingServiceImpl()
     m_recovery.waitForFinished();
     m_pings.waitForFinished();
     {
-        QMutexLocker lock(&m_mutex);
+        std::lock_guard<std::mutex> lock(m_mutex);
         m_moduleList.clear();
     }
     m_orbWrapper.reset();
@@ -144,7 +144,7 @@ void NamingServiceImpl::postInit()
 
 bool NamingServiceImpl::isLoaded(const QString& idx) const
 {
-    QMutexLocker lock(&m_mutex);
+    std::lock_guard<std::mutex> lock(m_mutex);
     return m_moduleList.contains(idx);
 }
 
@@ -179,7 +179,7 @@ void NamingServiceImpl::processNextGUIAble()
 {
     int next = 0;
     {
-        QMutexLocker lock(&m_mutex);
+        std::lock_guard<std::mutex> lock(m_mutex);
         next = ++m_nextIndex;
     }
     processGUIAble(QString::number(next));
@@ -230,7 +230,7 @@ bool NamingServiceImpl::loadModule(const QString& idx)
             } else {
                 ORB_base::setCallTimeout(module, PingTimeout);
                 CORBA::String_var answer = module->Ping("PingTest");
-                QMutexLocker lock(&m_mutex);
+                std::lock_guard<std::mutex> lock(m_mutex);
                 if (m_moduleList.contains(idx))
                     return false;
                 m_moduleList.insert(idx, module);
@@ -277,7 +277,7 @@ QList<int> NamingServiceImpl::fetchUnLoadedGUIableList()
 {
     QSet<int> loaded;
     {
-        QMutexLocker lock(&m_mutex);
+        std::lock_guard<std::mutex> lock(m_mutex);
         for (auto it = m_moduleList.cbegin(); it != m_moduleList.cend(); ++it)
             loaded.insert(it.key().toInt());
     }
@@ -299,7 +299,7 @@ QStringList NamingServiceImpl::pingModules()
 {
     QList<QPair<QString, Orvanth::GUI_Able_var>> modules;
     {
-        QMutexLocker lock(&m_mutex);
+        std::lock_guard<std::mutex> lock(m_mutex);
         for (auto it = m_moduleList.cbegin(); it != m_moduleList.cend(); ++it)
             modules.append({it.key(), it.value()});
     }
@@ -311,7 +311,7 @@ QStringList NamingServiceImpl::pingModules()
         } catch (const CORBA::Exception& exception) {
             bool dropped = false;
             {
-                QMutexLocker lock(&m_mutex);
+                std::lock_guard<std::mutex> lock(m_mutex);
                 // Only the reference pinged: the module may have been loaded anew meanwhile.
                 const auto it = m_moduleList.find(module.first);
                 if (it != m_moduleList.end() && it.value().in() == module.second.in()) {
@@ -341,7 +341,7 @@ void NamingServiceImpl::setPingInterval(int milliseconds)
 
 Orvanth::GUI_Able_var NamingServiceImpl::getModule(const QString& idx) const
 {
-    QMutexLocker lock(&m_mutex);
+    std::lock_guard<std::mutex> lock(m_mutex);
     const auto it = m_moduleList.constFind(idx);
     // Copying the _var duplicates the reference.
     return it == m_moduleList.cend() ? Orvanth::GUI_Able_var() : it.value();
@@ -349,13 +349,13 @@ Orvanth::GUI_Able_var NamingServiceImpl::getModule(const QString& idx) const
 
 QList<QString> NamingServiceImpl::getModuleList() const
 {
-    QMutexLocker lock(&m_mutex);
+    std::lock_guard<std::mutex> lock(m_mutex);
     return m_moduleList.keys();
 }
 
 int NamingServiceImpl::guiAbleLoaded() const
 {
-    QMutexLocker lock(&m_mutex);
+    std::lock_guard<std::mutex> lock(m_mutex);
     return m_moduleList.size();
 }
 
@@ -366,7 +366,7 @@ QList<Orvanth::EngineReadingBase_var> NamingServiceImpl::findAttribute(const QSt
     QList<Orvanth::EngineReadingBase_var> found;
     QList<QPair<QString, Orvanth::GUI_Able_var>> modules;
     {
-        QMutexLocker lock(&m_mutex);
+        std::lock_guard<std::mutex> lock(m_mutex);
         for (auto it = m_moduleList.cbegin(); it != m_moduleList.cend(); ++it)
             modules.append({it.key(), it.value()});
     }
@@ -441,7 +441,7 @@ void NamingServiceImpl::dds_callback(const char* topic, std::string payload)
         qDebug() << "UserInterface - Destroying GUI_Able" << idx;
         {
             // Dropped before the announcement, so that a receiver no longer finds it.
-            QMutexLocker lock(&m_mutex);
+            std::lock_guard<std::mutex> lock(m_mutex);
             m_moduleList.remove(idx);
         }
         emit destroy(idx);

@@ -166,7 +166,7 @@ WindowDrawer::WindowDrawer(QWidget* parent, ContainerImpl* container, DockPositi
     m_slideAnimation->setEasingCurve(QEasingCurve::OutQuart);
 
     const QRect beside = containerRect();
-    if (m_container)
+    if (followedContainer())
         m_height = beside.height();
     updateDrawerPosition(m_position);
     m_outerFrame->setGeometry(0, 0, contentsWidth() + m_handleWidth, m_height);
@@ -243,7 +243,7 @@ void WindowDrawer::setHeight(int height)
 
 void WindowDrawer::moveDrawer()
 {
-    if (!m_container)
+    if (!followedContainer())
         return;
     if (slideRunning()) {
         // The container moved under a running slide: finish it where it was going.
@@ -344,7 +344,7 @@ void WindowDrawer::animateRightDrawer(bool open)
 
 ContainerImpl* WindowDrawer::parentWindow() const
 {
-    return m_container.data();
+    return followedContainer();
 }
 
 QSize WindowDrawer::sizeHint() const
@@ -414,8 +414,8 @@ void WindowDrawer::animateContainer(bool enable)
         }
     }
 
-    if (m_container)
-        m_container->raise();
+    if (ContainerImpl* container = followedContainer())
+        container->raise();
     QFrame::raise();
     if (!enable)
         emit WindowClosed();
@@ -439,8 +439,8 @@ bool WindowDrawer::eventFilter(QObject* watched, QEvent* event)
 void WindowDrawer::mousePressEvent(QMouseEvent* event)
 {
     QFrame::mousePressEvent(event);
-    if (m_container)
-        m_container->raise();
+    if (ContainerImpl* container = followedContainer())
+        container->raise();
 }
 
 void WindowDrawer::showEvent(QShowEvent* event)
@@ -469,16 +469,25 @@ int WindowDrawer::contentsWidth() const
     return m_contentsFrame->minimumWidth();
 }
 
+ContainerImpl* WindowDrawer::followedContainer() const
+{
+    // A container's base class moves it back to its saved place while it is destroyed;
+    // by then it is no ContainerImpl any more, which qobject_cast knows and a cast of
+    // the pointer would not.
+    return qobject_cast<ContainerImpl*>(m_container.data());
+}
+
 QRect WindowDrawer::containerRect() const
 {
-    if (!m_container)
+    const ContainerImpl* container = followedContainer();
+    if (!container)
         return QRect();
-    if (m_container->parentWidget() == parentWidget())
-        return m_container->geometry();
-    QPoint topLeft = m_container->mapToGlobal(QPoint(0, 0));
+    if (container->parentWidget() == parentWidget())
+        return container->geometry();
+    QPoint topLeft = container->mapToGlobal(QPoint(0, 0));
     if (parentWidget())
         topLeft = parentWidget()->mapFromGlobal(topLeft);
-    return QRect(topLeft, m_container->size());
+    return QRect(topLeft, container->size());
 }
 
 QRect WindowDrawer::parentArea() const

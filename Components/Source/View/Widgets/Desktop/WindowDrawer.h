@@ -35,14 +35,16 @@ class TZUICOMPONENTS_EXPORT WindowDrawer : public QFrame
     Q_PROPERTY(QString windowCaption READ windowCaption)
 
 public:
-    enum DockPosition_t {
+    // Both enums have a fixed type: remote calls and forms hand over any int, which
+    // the drawer range-checks, and only a fixed type makes such a value defined.
+    enum DockPosition_t : int {
         Left = 0,
         Right = 1,
     };
     Q_ENUM(DockPosition_t)
 
     /// How updateGeometry() places the drawer.
-    enum UpdateMode_t {
+    enum UpdateMode_t : int {
         BesideContainer = 0,
         ScreenEdge = 1,
         /// Closed, on the side it has just been moved to.
@@ -114,6 +116,8 @@ private slots:
 private:
     int contentsWidth() const;
     // The container's rectangle in the drawer's parent's coordinates.
+    // The container, or null once it is gone or is being destroyed.
+    ContainerImpl* followedContainer() const;
     QRect containerRect() const;
     // The parent's rectangle, or the screen's for a top-level drawer.
     QRect parentArea() const;
@@ -133,8 +137,10 @@ private:
     QFrame* m_outerFrame = nullptr;
     int m_width = 200;
     int m_height = 100;
-    // The drawer is a sibling of the container, so it may outlive it briefly.
-    QPointer<ContainerImpl> m_container;
+    // The drawer is a sibling of the container, so it may outlive it briefly; and
+    // while the container is destroyed, its base classes still move it (see
+    // followedContainer()), so the pointer is kept untyped.
+    QPointer<QObject> m_container;
     bool m_contentsHidden = true;
     bool m_screenMode = false;
     DockPosition_t m_position;
