@@ -183,6 +183,19 @@ void TestRegistry::computesSnapPoints_data()
                                             << QList<QPoint>{{0, 0}, {200, 0}, {400, 0}, {600, 0}, {0, 240}, {200, 240}, {400, 240}, {600, 240}};
     QTest::newRow("portrait in 3 rows of 1 truncates") << QVariant("480x800") << QVariant("3x1") << QList<QPoint>{{0, 0}, {0, 266}, {0, 533}};
     QTest::newRow("grid without resolution") << QVariant() << QVariant("2x4") << QList<QPoint>{};
+    QTest::newRow("widest screen in 2 rows of 4")
+        << QVariant("2147483647x800") << QVariant("2x4")
+        << QList<QPoint>{{0, 0}, {536870911, 0}, {1073741823, 0}, {1610612735, 0},
+                         {0, 400}, {536870911, 400}, {1073741823, 400}, {1610612735, 400}};
+    QTest::newRow("64 rows of 1") << QVariant("1x64") << QVariant("64x1") << [] {
+        QList<QPoint> column;
+        for (int row = 0; row < 64; ++row)
+            column.append({0, row});
+        return column;
+    }();
+    // More cells than a finger can hit, and more than the registry could lay out quickly.
+    QTest::newRow("grid of 65 rows") << QVariant("800x480") << QVariant("65x1") << QList<QPoint>{};
+    QTest::newRow("grid of 200 rows of 602602") << QVariant("800x480") << QVariant("200x602602") << QList<QPoint>{};
     // "AxB" texts that are none.
     for (const char* bad : {"", "2X4", "1x2x3", "2x", "0x4", "2x-4", "2\u00d74"})
         QTest::addRow("grid \"%s\"", bad) << QVariant("800x480") << QVariant(QString::fromUtf8(bad)) << QList<QPoint>{};

@@ -190,9 +190,17 @@ void GlobalImpl::computeGridPoints()
     }
     const int rows = grid.height();
     const int columns = grid.width();
-    for (int row = 0; row < rows; ++row) {
-        for (int column = 0; column < columns; ++column)
-            gridPoints.append(QPoint(column * resolution.width() / columns, row * resolution.height() / rows));
+    // A cell must stay big enough to drop a container on; a grid of thousands of rows
+    // would also take seconds and gigabytes to lay out.
+    if (rows > MaxGridSide || columns > MaxGridSide) {
+        qDebug() << "UserInterface - GlobalImpl - no snap points, option -grid has more than" << MaxGridSide
+                 << "rows or columns:" << gridText;
+        return;
+    }
+    // In 64 bits: a wide resolution times a column index leaves the range of int.
+    for (qint64 row = 0; row < rows; ++row) {
+        for (qint64 column = 0; column < columns; ++column)
+            gridPoints.append(QPoint(int(column * resolution.width() / columns), int(row * resolution.height() / rows)));
     }
 }
 

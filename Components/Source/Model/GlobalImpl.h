@@ -164,6 +164,9 @@ public:
     /// The locker's id, asked anew each time; all zero when it cannot be had.
     Orvanth::LockerID getLockerID();
 
+    /// The most rows, and the most columns, a desktop grid has; a larger "-grid" gives
+    /// no snap points.
+    static constexpr int MaxGridSide = 64;
     /// The snap points of the desktop grid, row by row; computed once from the
     /// application options "-res" and "-grid".
     QList<QPoint> gridPoints;
