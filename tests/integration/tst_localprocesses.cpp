@@ -1,7 +1,7 @@
 // The programs around the library as real processes on loopback, with a naming service:
-// the demo host builds its desktop from options, ends cleanly, and answers the remote GUI
-// service of an engine's command-line client; the engine simulator's bindings, attributes
-// and locks over CORBA, and its DDS topics read through the typed subscriber.
+// the demo host builds its desktop from options and ends cleanly; the engine simulator's
+// bindings, attributes and locks over CORBA, and its DDS topics read through the typed
+// subscriber. The demo as a whole, driven by the remote client, is tst_demo's.
 
 #include "ChildProcess.h"
 #include "NamingServiceProcess.h"
@@ -77,24 +77,6 @@ private slots:
         const bool debug = arguments.contains(QStringLiteral("-debug"));
         QCOMPARE(output.split(QLatin1Char('\n')).count(QStringLiteral("UserInterface - Global::Global")), debug ? 1 : 0);
         QCOMPARE(output.contains(QStringLiteral("UserInterface - Demo host - exit 0\n")), debug);
-    }
-
-    void demoHostAnswersRemoteClient()
-    {
-        ChildProcess host;
-        QVERIFY(host.start(QStringLiteral(TZ_DEMO_HOST), m_naming.orbArguments() + QStringList{"-res", "800x480"},
-                           QProcessEnvironment::systemEnvironment(), {}));
-        const QString client = QStringLiteral(TZ_GUI_CLIENT);
-        const QStringList orb = m_naming.orbArguments();
-        // The demo's screens, as an engine lists them once the host has bound the service.
-        QString screens;
-        QTRY_VERIFY_WITH_TIMEOUT((run(client, orb + QStringList{"--screens"}, &screens), screens.contains("Power Meter\n")), 15000);
-        // A dialog opened without waiting for the answer, seen open and closed again.
-        QVERIFY(run(client, orb + QStringList{"--dialog", "Remote check", "Opened by an engine", "OK,1", "--no-wait"}) >= 0);
-        QCOMPARE(run(client, orb + QStringList{"--active", "Remote check"}), 0);
-        QCOMPARE(run(client, orb + QStringList{"--close-dialog", "Remote check"}), 0);
-        QTRY_COMPARE(run(client, orb + QStringList{"--active", "Remote check"}), 1);
-        QCOMPARE(run(client, orb + QStringList{"--dcs"}), 0);
     }
 
     void simulatorRejectsBadScenario()

@@ -15,13 +15,11 @@
 
 #include <QBuffer>
 #include <QLabel>
-#include <QPluginLoader>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTextBlock>
 #include <QUiLoader>
 #include <QtTest>
-#include <QtUiPlugin/QDesignerCustomWidgetCollectionInterface>
 
 #include <memory>
 
@@ -564,27 +562,8 @@ void TestKit::editorHighlightsCursorLineOnlyWhenEditable()
 
 void TestKit::designerPluginOffersTheKit()
 {
-    QPluginLoader plugin(QStringLiteral(TZ_DESIGNER_PLUGIN));
-    auto* collection = qobject_cast<QDesignerCustomWidgetCollectionInterface*>(plugin.instance());
-    QVERIFY2(collection, qPrintable(plugin.errorString()));
-    const QList<QDesignerCustomWidgetInterface*> widgets = collection->customWidgets();
-    // Designer asks again and again; the descriptions stay the same objects.
-    QCOMPARE(collection->customWidgets(), widgets);
     const QStringList classes{"Lumaro::gui::PushButtonImpl", "RotatableLabel", "Lumaro::gui::HorizontalScrollBarImpl",
                               "Lumaro::gui::VerticalScrollBarImpl"};
-    QStringList names;
-    QWidget form;
-    for (QDesignerCustomWidgetInterface* widget : widgets) {
-        names << widget->name();
-        QVERIFY(!widget->isInitialized());
-        widget->initialize(nullptr);
-        QVERIFY(widget->isInitialized());
-        QWidget* made = widget->createWidget(&form);
-        QCOMPARE(made->metaObject()->className(), qPrintable(widget->name()));
-        QCOMPARE(made->parentWidget(), &form);
-    }
-    QCOMPARE(names, classes);
-
     // A form that uses the kit loads, its properties (a kit enumeration included) set.
     QByteArray ui = "<ui version=\"4.0\"><widget class=\"QWidget\" name=\"Form\">"
                     "<widget class=\"Lumaro::gui::PushButtonImpl\" name=\"w0\"><property name=\"EngineLostPreview\">"

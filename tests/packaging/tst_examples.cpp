@@ -105,13 +105,6 @@ private slots:
                                   screens.contains("Readings\n")),
                                  15000);
 
-        // The desktop manager placed the container at its first place, and the host's
-        // layout store answers for it.
-        QTemporaryDir directory;
-        const QString layout = directory.filePath(QStringLiteral("layout.xml"));
-        QCOMPARE(run(QStringLiteral(TZ_GUI_CLIENT), orb + QStringList{"--save-state", layout}), 0);
-        QCOMPARE(screenPosition(layout, QStringLiteral("Readings")), QStringLiteral("30,150"));
-
         ChildProcess engine;
         QVERIFY(engine.start(example("engine", "tz-example-engine"), orb + QStringList{"--index", "61", "--no-wait"},
                              installedEnvironment(), QStringLiteral("READY")));
@@ -153,21 +146,6 @@ private slots:
     }
 
 private:
-    // The "pos" of the screen \a name in a stored layout; empty when it is not there.
-    static QString screenPosition(const QString& layoutFile, const QString& name)
-    {
-        QFile file(layoutFile);
-        if (!file.open(QIODevice::ReadOnly))
-            return QString();
-        QXmlStreamReader reader(&file);
-        while (!reader.atEnd()) {
-            if (reader.readNext() == QXmlStreamReader::StartElement && reader.name() == QLatin1String("screen")
-                && reader.attributes().value(QLatin1String("name")) == name)
-                return reader.attributes().value(QLatin1String("pos")).toString();
-        }
-        return QString();
-    }
-
     bool moduleBound(const std::string& index)
     {
         const std::vector<std::string> names = m_orb->FindChildContext(Names::GuiAbleContext);
