@@ -1,5 +1,5 @@
-# Configures and builds one example project against an install prefix, from scratch.
-#   cmake -DPREFIX=... -DSOURCE_DIR=... -DBINARY_DIR=... -P BuildExample.cmake
+# Configures and builds the examples against an install prefix, from scratch.
+#   cmake -DPREFIX=... -DSOURCE_DIR=... -DBINARY_DIR=... -P BuildExamples.cmake
 file(REMOVE_RECURSE ${BINARY_DIR})
 
 function(run)
