@@ -63,6 +63,8 @@ private slots:
     void scrollBarLookFollowsStyleAndSize();
     void scalableLabelFitsItsWidth_data();
     void scalableLabelFitsItsWidth();
+    void scalableLabelFitsAsSteppingDownDoes_data();
+    void scalableLabelFitsAsSteppingDownDoes();
     void scalableLabelDrawsItsWholeText_data();
     void scalableLabelDrawsItsWholeText();
     void rotatableLabelDrawsAlongItsWholeDegrees_data();
@@ -435,6 +437,42 @@ void TestKit::scalableLabelFitsItsWidth()
     // Wider again, it fits from the full size.
     label->setFixedSize(600, 40);
     QCOMPARE(font.endsWith(QLatin1String("pt")) ? label->font().pointSize() : label->font().pixelSize(), 20);
+}
+
+void TestKit::scalableLabelFitsAsSteppingDownDoes_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("fullSize");
+    // The demo's titles at the title fonts of the three screen shapes, and its meter reading.
+    for (int size : {18, 22, 26}) {
+        for (const char* text : {"Power Meter", "Spectrum 2", "System Overview", "Device Control", "\u529F\u7387\u8A08"})
+            QTest::addRow("%s at %dpx", text, size) << QString::fromUtf8(text) << size;
+    }
+    QTest::newRow("meter reading") << "-12.734 dBm" << 44;
+}
+
+void TestKit::scalableLabelFitsAsSteppingDownDoes()
+{
+    QFETCH(QString, text);
+    QFETCH(int, fullSize);
+    QWidget parent;
+    parent.setStyleSheet(QStringLiteral("QLabel { font: %1px; margin-left: 1px; }").arg(fullSize));
+    auto* label = new QTZScalableLabel(&parent);
+    parent.show();
+    label->ensurePolished();
+    QFont font = label->font();
+    label->setText(text);
+    for (int width = 8; width <= 320; width += 3) {
+        label->setFixedSize(width, 40);
+        // Down from the full size to the first at which the text fits, less half an "x".
+        int expected = fullSize + 1;
+        do
+            font.setPixelSize(--expected);
+        while (expected > 1
+               && QFontMetrics(font).boundingRect(QRect(0, 0, width, 40), Qt::AlignCenter, text).width()
+                      > label->contentsRect().width() - QFontMetrics(font).horizontalAdvance(QLatin1Char('x')) / 2);
+        QVERIFY2(label->font().pixelSize() == expected, qPrintable(QStringLiteral("width %1").arg(width)));
+    }
 }
 
 void TestKit::scalableLabelDrawsItsWholeText_data()

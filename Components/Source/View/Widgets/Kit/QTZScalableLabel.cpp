@@ -24,21 +24,46 @@ void QTZScalableLabel::setText(QString text)
     m_shownText = tr(text.toUtf8().constData());
     m_text = text;
 
-    QFont font = this->font();
-    int pixelSize = font.pixelSize();
-    if (pixelSize > 0) {
-        const QRect area(0, 0, width(), height());
-        while (QFontMetrics(font).boundingRect(area, Qt::AlignCenter, m_shownText).width() > textWidth(font)
-               && pixelSize > 1) {
-            --pixelSize;
-            font.setPixelSize(pixelSize);
-        }
+    const int fullSize = font().pixelSize();
+    if (fullSize > 0) {
+        const int pixelSize = fittedPixelSize(fullSize);
         setStyleSheet(styleSheet() + QStringLiteral("QTZScalableLabel {    font-size: ")
                       + QString::number(pixelSize) + QStringLiteral("px;}"));
     }
 
     QLabel::setText(m_shownText);
     update();
+}
+
+int QTZScalableLabel::fittedPixelSize(int fullSize) const
+{
+    // The largest size up to the full one at which the text fits. Every size measured
+    // loads a font of its own (through fontconfig, the dearest step of a start), so the
+    // search starts where the full size's overshoot scales to and walks from there to
+    // the boundary, instead of stepping down one pixel at a time from the top: two or
+    // three sizes instead of one per pixel given up.
+    const QRect area(0, 0, width(), height());
+    QFont font = this->font();
+    const auto overshoot = [&](int pixelSize) {
+        font.setPixelSize(pixelSize);
+        return QFontMetrics(font).boundingRect(area, Qt::AlignCenter, m_shownText).width() - textWidth(font);
+    };
+    const int fullOvershoot = overshoot(fullSize);
+    if (fullOvershoot <= 0 || fullSize == 1)
+        return fullSize;
+    const int fullTextWidth = textWidth(font);
+    const int drawnWidth = fullTextWidth + fullOvershoot;
+    int size = drawnWidth > 0 ? qRound(double(fullSize) * qMax(0, fullTextWidth) / drawnWidth) : 1;
+    size = qBound(1, size, fullSize - 1);
+    if (overshoot(size) <= 0) {
+        while (size + 1 < fullSize && overshoot(size + 1) <= 0)
+            ++size;
+    } else {
+        while (size > 1 && overshoot(size - 1) > 0)
+            --size;
+        size = qMax(1, size - 1);
+    }
+    return size;
 }
 
 int QTZScalableLabel::textWidth(const QFont& font) const

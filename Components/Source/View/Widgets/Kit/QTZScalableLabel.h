@@ -10,9 +10,9 @@ class QEvent;
 class QResizeEvent;
 
 /**
- * A label that shrinks its font, one pixel at a time, until its translated text fits its
- * width; the title of every container, whose width is what the title-bar buttons leave.
- * Only a font given in pixels is fitted.
+ * A label that shrinks its font to the largest pixel size at which its translated text
+ * fits its width; the title of every container, whose width is what the title-bar
+ * buttons leave. Only a font given in pixels is fitted.
  */
 class TZUICOMPONENTS_EXPORT QTZScalableLabel : public QLabel
 {
@@ -31,6 +31,8 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    // The pixel size the text is shown at: the largest, up to \a fullSize, that fits.
+    int fittedPixelSize(int fullSize) const;
     // The width the text is drawn in with \a font: the contents less QLabel's indent.
     int textWidth(const QFont& font) const;
 
