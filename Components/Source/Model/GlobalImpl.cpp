@@ -101,6 +101,7 @@ GlobalImpl::GlobalImpl(QObject* parent)
     auto* systemModule = new SystemModule(this);
     m_systemModule.set(systemModule);
     m_messageOutputControl = new QTZMessageOutputControl(this);
+    m_scriptEngine = std::make_unique<QScriptEngine>();
 
     qDebug() << "UserInterface - Global::Global";
     setObjectName(QStringLiteral("GlobalImpl"));
@@ -151,15 +152,6 @@ GlobalImpl::~GlobalImpl()
     stopSubscriberThreads();
     m_scriptEngine.reset();
     m_lockerGateway->close();
-}
-
-QScriptEngine* GlobalImpl::scriptEngine() const
-{
-    // Not made with the registry: an engine costs the start-up about 2.5 MB of Qt
-    // Script's pages and heap, which a host that runs no script never needs.
-    if (!m_scriptEngine)
-        m_scriptEngine = std::make_unique<QScriptEngine>();
-    return m_scriptEngine.get();
 }
 
 void GlobalImpl::stopSubscriberThreads()

@@ -104,8 +104,7 @@ public:
     void setGUIManagerServer(const ServerPointer& server) { m_guiManagerServer.set(server); }
     QPoint dialogLastPosition() const { return m_dialogLastPosition; }
     void setDialogLastPosition(const QPoint& position) { m_dialogLastPosition = position; }
-    /// The host's script engine, made on the first call; call it from the GUI thread.
-    QScriptEngine* scriptEngine() const;
+    QScriptEngine* scriptEngine() const { return m_scriptEngine.get(); }
     /// The switch that follows the option "currentLanguage"; hosts add their catalogs to it.
     LanguageSwitch* languageSwitch() const { return m_languageSwitch; }
 
@@ -222,7 +221,7 @@ private:
     // Shared with threads that hold it through currentLockerGateway().
     const std::shared_ptr<LockerGateway> m_lockerGateway;
     QList<QPointer<QThread>> m_subscriberThreads;
-    mutable std::unique_ptr<QScriptEngine> m_scriptEngine;
+    std::unique_ptr<QScriptEngine> m_scriptEngine;
     QPoint m_dialogLastPosition;
     QHash<QString, QPointer<QWidget>> m_screens;
 };
