@@ -559,6 +559,34 @@ private slots:
         QCOMPARE(desk.desktop.findChildren<SubSubMenu*>().size(), desk.bar->getSubSubMenus().size());
     }
 
+    void closingEveryScreenAtOnceEmptiesTheBar_data()
+    {
+        QTest::addColumn<int>("names");
+        QTest::newRow("one flat sub-menu") << 1;
+        QTest::newRow("nested names") << 4;
+    }
+    void closingEveryScreenAtOnceEmptiesTheBar()
+    {
+        QFETCH(int, names);
+        Desk desk;
+        QList<ContainerBase*> screens;
+        for (int i = 0; i < 40; ++i) {
+            desk.add("Meters", QString("Name %1").arg(i % names), QString("Screen %1").arg(i));
+            screens.append(desk.screenNamed(QString("Screen %1").arg(i)));
+        }
+        settle();
+        QTest::mouseClick(desk.bar->menuButton("Meters"), Qt::LeftButton);
+        QCOMPARE(desk.bar->getSubSubMenus().size(), names > 1 ? names : 0);
+        // As a host closing down: every screen goes outside the event loop, and the
+        // menus empty before the entries' own deletion comes.
+        qDeleteAll(screens);
+        QCoreApplication::processEvents();
+        settle();
+        QCOMPARE(desk.shape(), QString());
+        QVERIFY(desk.desktop.findChildren<SubMenuBase*>().isEmpty());
+        QVERIFY(desk.desktop.findChildren<SubMenuItem*>().isEmpty());
+    }
+
     void regroupedEntryKeepsWhatItHad()
     {
         Desk desk;

@@ -114,7 +114,7 @@ QPushButton* MenuBuilder::addMenuItem(const QString& menu, const QString& subMen
     } else {
         if (!groupedMenus.contains(menu))
             groupMenu(menu, position, priority);
-        nestSubMenuNames(menu, position);
+        nestSubMenuNames(menu, subMenu, position);
         SubMenu* sub = subMenus.value(menu);
         if (SubSubMenu* nest = subSubMenus.value(nestKey(menu, subMenu))) {
             auto* nested = new SubSubMenuItem(nest, sub, shown, screen, position, receiver, slot, instNum);
@@ -247,18 +247,24 @@ void MenuBuilder::ungroupMenu(const QString& menu)
     subMenus.remove(menu);
     if (sub) {
         detach(sub, true);
-        sub->hide();
-        sub->deleteLater();
+        sub->dispose();
     }
 }
 
-void MenuBuilder::nestSubMenuNames(const QString& menu, int holderPosition)
+void MenuBuilder::nestSubMenuNames(const QString& menu, const QString& added, int holderPosition)
 {
     if (!groupedMenus.contains(menu))
         return;
-    const QHash<QString, int> counts = subMenuCount.value(menu);
+    const QHash<QString, int>& counts = subMenuCount[menu];
     if (counts.size() < 2)
         return;
+    // Only a name's second entry, or a menu's new name, can make a name nest.
+    const int addedCount = counts.value(added);
+    if (addedCount >= 2) {
+        if (!subSubMenus.contains(nestKey(menu, added)))
+            nestSubMenuName(menu, added, holderPosition);
+        return;
+    }
     QStringList names = counts.keys();
     names.sort();
     for (const QString& name : qAsConst(names)) {
@@ -342,7 +348,7 @@ void MenuBuilder::flattenSubMenuName(const QString& menu, const QString& subMenu
         holder->hide();
         holder->deleteLater();
     }
-    nest->deleteLater();
+    nest->dispose();
 }
 
 void MenuBuilder::recordEntry(QPushButton* entry, const QString& menu, const QString& subMenu, QWidget* screen)
@@ -399,15 +405,15 @@ void MenuBuilder::screenDestroyed(QObject* screen)
     if (!entry || !itemMenuName.contains(entry))
         return;
     detach(entry);
-    entryGone(entry, false);
+    entryGone(entry, false, true);
 }
 
-void MenuBuilder::entryGone(QObject* entry, bool settleNow)
+void MenuBuilder::entryGone(QObject* entry, bool settleNow, bool deletedLater)
 {
     if (!itemMenuName.contains(entry))
         return;
     const QString menu = itemMenuName.value(entry);
-    forgetEntry(entry);
+    forgetEntry(entry, deletedLater);
     if (settleNow) {
         settleMenu(menu);
         return;
@@ -426,7 +432,7 @@ void MenuBuilder::settleMenus()
         settleMenu(menu);
 }
 
-void MenuBuilder::forgetEntry(QObject* entry)
+void MenuBuilder::forgetEntry(QObject* entry, bool deletedLater)
 {
     const QString menu = itemMenuName.take(entry);
     const QString subMenu = itemSubMenuName.take(entry);
@@ -436,12 +442,14 @@ void MenuBuilder::forgetEntry(QObject* entry)
     screenMap.removeButton(entry);
 
     takeFromRow(entry);
-    if (SubMenu* sub = subMenus.value(menu))
-        sub->forgetEntry(entry);
     // A name is nested as a whole: the entry sat in a second-level pop-up if its name has one.
     SubSubMenu* nest = subSubMenus.value(nestKey(menu, subMenu));
-    if (nest)
-        nest->forgetEntry(entry);
+    for (SubMenuBase* popUp : {static_cast<SubMenuBase*>(subMenus.value(menu)), static_cast<SubMenuBase*>(nest)}) {
+        if (popUp && deletedLater)
+            popUp->entryLeaving(entry);
+        else if (popUp)
+            popUp->forgetEntry(entry);
+    }
 
     const int left = --menuCount[menu];
     if (left <= 0)
@@ -486,8 +494,7 @@ void MenuBuilder::clearMenu(const QString& menu)
     groupedMenus.removeAll(menu);
     if (const QPointer<SubMenu> sub = subMenus.take(menu)) {
         detach(sub, true);
-        sub->hide();
-        sub->deleteLater();
+        sub->dispose();
     }
     const QString prefix = nestKey(menu, QString());
     for (auto nest = subSubMenus.begin(); nest != subSubMenus.end();) {
@@ -497,7 +504,7 @@ void MenuBuilder::clearMenu(const QString& menu)
         }
         if (nest.value()) {
             nest.value()->unchecking();
-            nest.value()->deleteLater();
+            nest.value()->dispose();
         }
         nest = subSubMenus.erase(nest);
     }
@@ -597,7 +604,7 @@ bool MenuBuilder::removeMenuItem(const QString& menu, const QString& subMenu, co
     detach(entry);
     entry->hide();
     entry->deleteLater();
-    entryGone(entry, true);
+    entryGone(entry, true, true);
     return true;
 }
 

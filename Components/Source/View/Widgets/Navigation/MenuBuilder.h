@@ -71,8 +71,8 @@ private:
     void groupMenu(const QString& menu, int position, int priority);
     void ungroupMenu(const QString& menu);
     // A holder made for a name takes \a holderPosition, the position of the entry
-    // whose arrival nests the name.
-    void nestSubMenuNames(const QString& menu, int holderPosition);
+    // whose arrival nests the name; \a added is that entry's sub-menu name.
+    void nestSubMenuNames(const QString& menu, const QString& added, int holderPosition);
     void flattenSubMenuNames(const QString& menu);
     void nestSubMenuName(const QString& menu, const QString& subMenu, int holderPosition);
     void flattenSubMenuName(const QString& menu, const QString& subMenu);
@@ -83,8 +83,9 @@ private:
                                  bool appended = false);
     void recordEntry(QPushButton* entry, const QString& menu, const QString& subMenu, QWidget* screen);
     void passEntryOn(QPushButton* from, QPushButton* to, QObject* receiver, const QString& slot);
-    void entryGone(QObject* entry, bool settleNow);
-    void forgetEntry(QObject* entry);
+    // \a deletedLater: the entry still stands and its deletion is queued.
+    void entryGone(QObject* entry, bool settleNow, bool deletedLater = false);
+    void forgetEntry(QObject* entry, bool deletedLater);
     void settleMenu(const QString& menu);
     void clearMenu(const QString& menu);
     void refreshMenuVisibility(const QString& menu);

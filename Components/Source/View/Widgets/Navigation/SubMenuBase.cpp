@@ -1,5 +1,7 @@
 #include "SubMenuBase.h"
 
+#include <QEvent>
+
 SubMenuBase::SubMenuBase(QWidget* parent, QPushButton* owner)
     : QFrame(parent)
     , owner(owner)
@@ -88,10 +90,22 @@ void SubMenuBase::removeMenuItem(QWidget* entry)
 void SubMenuBase::insertEntry(int index, QWidget* entry)
 {
     itemLayout->insertWidget(index, entry);
+    entry->installEventFilter(this);
     // A closed pop-up shows its entries when it opens; showing each now would style
     // every entry of a large menu up front.
     if (isVisible())
         entry->show();
+}
+
+bool SubMenuBase::eventFilter(QObject* watched, QEvent* event)
+{
+    // A new widget asks to be styled as soon as control is back in the event loop; an
+    // entry of a closed pop-up is styled when it first shows instead (QWidget::show
+    // polishes), so that a menu of thousands of screens styles only what opens.
+    if (event->type() == QEvent::PolishRequest && watched->isWidgetType()
+        && !static_cast<QWidget*>(watched)->isVisible())
+        return true;
+    return QFrame::eventFilter(watched, event);
 }
 
 void SubMenuBase::forgetEntry(const QObject* entry)
@@ -103,4 +117,27 @@ void SubMenuBase::forgetEntry(const QObject* entry)
             return;
         }
     }
+}
+
+void SubMenuBase::entryLeaving(QObject* entry)
+{
+    if (!entry || !itemLayout || itemLayout->indexOf(static_cast<QWidget*>(entry)) < 0)
+        return;
+    forgetEntry(entry);
+    ++leavingEntries;
+    connect(entry, &QObject::destroyed, this, [this] {
+        if (--leavingEntries == 0 && disposed)
+            deleteLater();
+    });
+}
+
+void SubMenuBase::dispose()
+{
+    hide();
+    disposed = true;
+    // A child still waiting for its queued deletion makes Qt search the whole event
+    // queue as it dies with its parent: with thousands of entries going at once (their
+    // screens closed together) that is quadratic, so the pop-up goes after them.
+    if (leavingEntries == 0)
+        deleteLater();
 }

@@ -40,6 +40,11 @@ public:
     static bool isHiddenEntry(const QWidget* entry);
     /// Drops \a entry from the list without touching it: it may be on its way out.
     void forgetEntry(const QObject* entry);
+    /// Drops \a entry, whose deletion is queued, from the list; the pop-up outlives it
+    /// when disposed of meanwhile.
+    void entryLeaving(QObject* entry);
+    /// Hides the pop-up and deletes it later, once the entries still leaving it are gone.
+    void dispose();
 
 public slots:
     /// Unchecks the owner, which closes the pop-up.
@@ -51,6 +56,7 @@ protected slots:
     virtual void toggled(bool isChecked) = 0;
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     /// Fits the pop-up to its entries now.
     virtual void fitToEntries() = 0;
     /// Fits the pop-up to its entries now when it is open, otherwise when idle.
@@ -82,6 +88,9 @@ protected:
 
 private:
     bool fitQueued = false;
+    // Entries dropped from the list whose queued deletion is still to come.
+    int leavingEntries = 0;
+    bool disposed = false;
 };
 
 template <class Entry>

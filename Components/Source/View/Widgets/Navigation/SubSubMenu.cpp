@@ -89,9 +89,11 @@ void SubSubMenu::dropLooseSpacers()
         QWidget* widget = itemLayout->itemAt(index)->widget();
         const bool loose = isSpacer(widget) && (!previous || isSpacer(previous) || index == itemLayout->count() - 1);
         if (loose) {
+            // Deleted now, not later: a spacer has no connections that could be running,
+            // and one still queued for deletion when the pop-up goes costs a search of
+            // the whole event queue.
             itemLayout->removeWidget(widget);
-            widget->hide();
-            widget->deleteLater();
+            delete widget;
             continue;
         }
         previous = widget;
