@@ -17,6 +17,7 @@
 
 #include "DDS_BaseObj.h"
 #include "DDS_Subscriber.h"
+#include "EventHandOff.h"
 #include "EventMessageFormat.h"
 #include "MsgLogger.h"
 #include "QTZMsgLogger.h"
@@ -134,7 +135,8 @@ private:
     long m_logged = 0;
 };
 
-/// The DDS side: on a DDS thread, logs, formats and queues each message.
+/// The DDS side: on a DDS thread, logs, formats and hands each message to the GUI
+/// thread through the status bar's batching hand-off.
 class Receiver : public QObject
 {
     Q_OBJECT
@@ -142,16 +144,22 @@ class Receiver : public QObject
 public:
     std::atomic<long> received{0};
 
+    explicit Receiver(Ingest& ingest)
+        : handOff([&ingest](const EventHandOff::Message& message) {
+            ingest.addMessage(message.text, message.dateTime, message.eventClass);
+        })
+    {
+    }
+
     void onMessage(const Orvanth::Event::Message& message)
     {
         EventMessageFormat::logReceived(message);
         ++received;
-        emit updateMessage(QString::fromStdString(message.text()),
-                           EventMessageFormat::formatTimeStamp(message.timestamp()), message.classification());
+        handOff.push({QString::fromStdString(message.text()), EventMessageFormat::formatTimeStamp(message.timestamp()),
+                      message.classification()});
     }
 
-signals:
-    void updateMessage(QString desc, QString dateTime, Orvanth::Event::EventClass evt);
+    EventHandOff handOff;
 };
 
 struct StepResult
@@ -316,8 +324,7 @@ int main(int argc, char** argv)
     }
 
     Ingest ingest(&log);
-    Receiver receiver;
-    QObject::connect(&receiver, &Receiver::updateMessage, &ingest, &Ingest::addMessage);
+    Receiver receiver(ingest);
     auto subscriber = std::make_unique<Orvanth::DDS_Subscriber<Orvanth::Event::Message>>(
         Topic, [&](const char*, Orvanth::Event::Message message) { receiver.onMessage(message); }, 0, 0,
         eprosima::fastdds::dds::VOLATILE_DURABILITY_QOS);

@@ -9,6 +9,7 @@
 
 #include "ApplicationOrb.h"
 #include "DDS_BaseObj.h"
+#include "EventHandOff.h"
 #include "EventMessageFormat.h"
 #include "LowBatteryAlert.h"
 #include "QTZBatteryStatus.h"
@@ -31,6 +32,7 @@
 #include <QtTest>
 
 #include <cmath>
+#include <thread>
 
 using Orvanth::Event::EventClass;
 
@@ -78,6 +80,7 @@ private slots:
     void onlyTheCurrentBarHoldsAlertsBack();
     void ringKeepsTheNewestThousandLines_data();
     void ringKeepsTheNewestThousandLines();
+    void handOffKeepsEveryMessageInOrder();
     void logCopiesLinesToItsFile_data();
     void logCopiesLinesToItsFile();
     void logOpensAboveItsAnchorAndCloses();
@@ -546,6 +549,33 @@ void TestStatus::followsTheEngineSimulator()
     // Mains power and the battery level reach the indicator.
     QTRY_COMPARE_WITH_TIMEOUT(battery.state(), QStringLiteral("Charging"), 10000);
     QCOMPARE(battery.level(), 50);
+}
+
+// Bursts from a DDS thread, larger than a slice, around one message from the GUI thread:
+// every message reaches the sink once, in the order it was pushed.
+void TestStatus::handOffKeepsEveryMessageInOrder()
+{
+    QStringList received;
+    EventHandOff handOff([&](const EventHandOff::Message& message) { received << message.text; });
+    QStringList sent;
+    const auto burst = [&](int from) {
+        QStringList texts;
+        for (int i = from; i < from + 3000; ++i)
+            texts << QString::number(i);
+        sent << texts;
+        std::thread engine([&] {
+            for (const QString& text : qAsConst(texts))
+                handOff.push({text, QString(), Orvanth::Event::EVENT_INFO});
+        });
+        engine.join();
+    };
+    burst(0);
+    sent << QStringLiteral("from the GUI thread");
+    handOff.push({sent.last(), QString(), Orvanth::Event::EVENT_INFO});
+    burst(3000);
+    QTRY_COMPARE(received.size(), sent.size());
+    QCOMPARE(received, sent);
+    QCOMPARE(handOff.pending(), 0);
 }
 
 QTEST_MAIN(TestStatus)

@@ -3,6 +3,7 @@
 #include "ApplicationOptions.h"
 #include "CSS.h"
 #include "EventFeed.h"
+#include "EventHandOff.h"
 #include "QTZBatteryStatus.h"
 #include "QTZLowBatteryAlert.h" // completes the alert type QTZBatteryStatus.h points to
 #include "QTZMsgLogger.h"
@@ -123,9 +124,16 @@ QTZStatusBar::QTZStatusBar(QWidget* parent)
     connect(m_maxButton, &QPushButton::clicked, this, &QTZStatusBar::animate);
     connect(&m_geometryAnimation, &QPropertyAnimation::finished, this, &QTZStatusBar::animationFinished);
     connect(m_alertIcon, &QPushButton::clicked, this, &QTZStatusBar::handleAlertIconClicked);
-    // Emitted on a DDS thread by dds_callback: queued into the GUI thread.
-    connect(this, &QTZStatusBar::updateMessage, this,
-            QOverload<QString, QString, Orvanth::Event::EventClass>::of(&QTZStatusBar::addMessage));
+    // Emitted on DDS threads by dds_callback: batched into the GUI thread, in order.
+    m_handOff = new EventHandOff(
+        [this](const EventHandOff::Message& message) { addMessage(message.text, message.dateTime, message.eventClass); },
+        this);
+    connect(
+        this, &QTZStatusBar::updateMessage, m_handOff,
+        [handOff = m_handOff](QString desc, QString dateTime, Orvanth::Event::EventClass evt) {
+            handOff->push({std::move(desc), std::move(dateTime), evt});
+        },
+        Qt::DirectConnection);
 
     m_log = new QTZMsgLogger(parentWidget(), logAnchor());
     connect(this, &QTZStatusBar::showMessageLog, m_log.data(), &MsgLogger::animate);

@@ -25,6 +25,7 @@ class QPushButton;
 class QTZBatteryStatus;
 
 class EventFeed;
+class EventHandOff;
 
 /**
  * The status bar at the bottom of the desktop: shows the latest engine event message
@@ -150,6 +151,7 @@ private:
     QLabel* m_textLabels[2] = {nullptr, nullptr};
     QPushButton* m_maxButton = nullptr;
     std::unique_ptr<EventFeed> m_events;
+    EventHandOff* m_handOff = nullptr;
 };
 
 #endif

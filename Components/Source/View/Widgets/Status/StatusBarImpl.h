@@ -17,6 +17,7 @@
 #include <memory>
 
 class EventFeed;
+class EventHandOff;
 class LowBatteryAlert;
 class PowerFeed;
 class RefOscillatorFeed;
@@ -145,6 +146,7 @@ private:
     QLabel* m_textField = nullptr;
     QLabel* m_textLabels[2] = {nullptr, nullptr};
     std::unique_ptr<EventFeed> m_events;
+    EventHandOff* m_handOff = nullptr;
 
     // The battery indicator, on portrait systems only.
     QFrame* m_batteryFrame = nullptr;
