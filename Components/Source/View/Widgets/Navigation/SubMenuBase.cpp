@@ -49,6 +49,23 @@ bool SubMenuBase::isHiddenEntry(const QWidget* entry)
     return entry->isHidden() && entry->testAttribute(Qt::WA_WState_ExplicitShowHide);
 }
 
+namespace {
+
+// Takes \a entry out of \a list; false when it is not there.
+bool takeFromList(QLayout* list, const QObject* entry)
+{
+    for (int index = 0; list && index < list->count(); ++index) {
+        const QObject* widget = list->itemAt(index)->widget();
+        if (widget && widget == entry) {
+            delete list->takeAt(index);
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
 void SubMenuBase::fitWhenIdle()
 {
     if (fitQueued)
@@ -110,20 +127,13 @@ bool SubMenuBase::eventFilter(QObject* watched, QEvent* event)
 
 void SubMenuBase::forgetEntry(const QObject* entry)
 {
-    for (int index = 0; itemLayout && index < itemLayout->count(); ++index) {
-        const QObject* widget = itemLayout->itemAt(index)->widget();
-        if (widget && widget == entry) {
-            delete itemLayout->takeAt(index);
-            return;
-        }
-    }
+    takeFromList(itemLayout, entry);
 }
 
 void SubMenuBase::entryLeaving(QObject* entry)
 {
-    if (!entry || !itemLayout || itemLayout->indexOf(static_cast<QWidget*>(entry)) < 0)
+    if (!entry || !takeFromList(itemLayout, entry))
         return;
-    forgetEntry(entry);
     ++leavingEntries;
     connect(entry, &QObject::destroyed, this, [this] {
         if (--leavingEntries == 0 && disposed)
