@@ -291,6 +291,15 @@ CORBA::Boolean onCommFailure(void*, CORBA::ULong, const CORBA::COMM_FAILURE& fai
     return false;
 }
 
+// A peer that refuses connections has ended: the caller hears so at once, where omniORB
+// would try again until the call's time-out and so report a dead engine as a hung one.
+// Other transient failures (a connection the peer closed while idle) are tried again.
+CORBA::Boolean onTransient(void*, CORBA::ULong retries, const CORBA::TRANSIENT& failure, CORBA::Object_ptr,
+                           const char*)
+{
+    return failure.minor() != omni::TRANSIENT_ConnectFailed && retries < 3;
+}
+
 std::string joined(const std::vector<std::string>& options)
 {
     std::string text;
@@ -350,6 +359,7 @@ void initialise(const std::vector<std::string>& given, const HostAddress& addres
     arguments.push_back(nullptr);
     int argc = int(storage.size());
     processOrbRef = CORBA::ORB_init(argc, arguments.data(), "omniORB4");
+    omniORB::installTransientExceptionHandlerExt(nullptr, onTransient);
     if (address.isRemote()) {
         omniORB::installTimeoutExceptionHandlerExt(nullptr, onTimeout);
         omniORB::installCommFailureExceptionHandlerExt(nullptr, onCommFailure);

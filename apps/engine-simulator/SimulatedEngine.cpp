@@ -122,6 +122,17 @@ void SimulatedEngine::unbindModule(int index)
     announce("MODULE " + announcement);
 }
 
+void SimulatedEngine::reannounceModules()
+{
+    for (const auto& bound : m_bound) {
+        if (!bound.second)
+            continue;
+        ATTR_STRING sample;
+        sample.value("create," + std::to_string(bound.first));
+        m_moduleTopic.publish(sample);
+    }
+}
+
 void SimulatedEngine::publishEvent()
 {
     ATTR_EVENT sample;
@@ -179,6 +190,20 @@ void SimulatedEngine::churnModule()
     }
 }
 
+bool SimulatedEngine::countedEventDue(Clock::time_point now)
+{
+    if (m_eventsSent == m_options.eventsTotal)
+        return false;
+    // The writer sees the reader before the reader sees the writer, and a best-effort
+    // reader drops what comes from a writer it does not know yet: the first message
+    // waits a second after the match, so that a reader can count them all.
+    if (m_eventTopic.matchedSubscribers() == 0)
+        m_readerMatchedAt.reset();
+    else if (!m_readerMatchedAt)
+        m_readerMatchedAt = now;
+    return m_eventsSent > 0 || (m_readerMatchedAt && now - *m_readerMatchedAt >= std::chrono::seconds(1));
+}
+
 void SimulatedEngine::run()
 {
     const Clock::time_point begin = Clock::now();
@@ -199,13 +224,18 @@ void SimulatedEngine::run()
     Clock::time_point nextValues = begin;
     Clock::time_point nextChurn = churn ? begin + churnPeriod : never;
     Clock::time_point nextLock = lockToggle ? begin + lockPeriod : never;
+    Clock::time_point nextReannouncement = never;
 
     std::unique_lock<std::mutex> lock(m_mutex);
     while (!m_stopping) {
         lock.unlock();
         const Clock::time_point now = Clock::now();
-        if (now >= nextEvent) {
+        if (now >= nextEvent && m_options.eventsTotal > 0 && !countedEventDue(now)) {
+            nextEvent = m_eventsSent == m_options.eventsTotal ? never : now + eventPeriod;
+        } else if (now >= nextEvent) {
             publishEvent();
+            if (++m_eventsSent == m_options.eventsTotal)
+                announce("EVENTS " + std::to_string(m_eventsSent) + " sent");
             nextEvent += eventPeriod;
             // After a stall, go on at the rate instead of sending the backlog at once.
             if (now - nextEvent > std::chrono::seconds(1))
@@ -224,11 +254,22 @@ void SimulatedEngine::run()
             churnModule();
             nextChurn = now + churnPeriod;
         }
+        // A reader that matched after the modules were announced has missed them: they
+        // are announced again a second later, once that reader knows this writer too.
+        const int moduleReaders = m_moduleTopic.matchedSubscribers();
+        if (moduleReaders > m_moduleReaders && nextReannouncement == never)
+            nextReannouncement = now + std::chrono::seconds(1);
+        m_moduleReaders = moduleReaders;
+        if (now >= nextReannouncement) {
+            reannounceModules();
+            nextReannouncement = never;
+        }
         if (now >= nextLock) {
             m_attributes.toggleEngineLock(*m_lockManager);
             nextLock = now + lockPeriod;
         }
-        const Clock::time_point wakeAt = std::min({nextEvent, nextBattery, nextValues, nextChurn, nextLock});
+        const Clock::time_point wakeAt = std::min({nextEvent, nextBattery, nextValues, nextChurn, nextLock, nextReannouncement,
+                                                     now + std::chrono::milliseconds(100)});
         lock.lock();
         m_wake.wait_until(lock, wakeAt, [this] { return m_stopping; });
     }

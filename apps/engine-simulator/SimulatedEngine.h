@@ -17,6 +17,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -51,6 +52,10 @@ private:
     void publishEvent();
     void publishBattery(int elapsedMs);
     void churnModule();
+    /// "create" once more for every bound module, without a console line.
+    void reannounceModules();
+    /// Whether the next message of a counted run (eventsTotal) may go now.
+    bool countedEventDue(Clock::time_point now);
 
     const SimulatorOptions m_options;
     ORB_wrapper_base m_orb;
@@ -65,6 +70,9 @@ private:
     Orvanth::TopicPublisher<Orvanth::TKWW_DDS::ATTR_METER_READINGPubSubType> m_batteryTopic;
 
     EventSource m_events;
+    int m_eventsSent = 0; // with eventsTotal
+    int m_moduleReaders = 0;
+    std::optional<Clock::time_point> m_readerMatchedAt;
     BatteryModel m_battery;
 
     std::mutex m_mutex;

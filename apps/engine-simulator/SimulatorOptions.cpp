@@ -82,6 +82,10 @@ const std::vector<OptionEntry>& optionTable()
         {"events-per-second", "RATE",
          std::string("event messages per second on ") + Orvanth::Names::EventTopic + "; 0: none (default 0.2)",
          [](SimulatorOptions& o, const std::string& v) { return toDouble(v, 0.0, 10000.0, &o.eventsPerSecond); }},
+        {"events-total", "N",
+         "send N event messages in all, the first once an event reader has matched, then print "
+         "\"EVENTS N sent\"; 0: no end (default 0)",
+         [](SimulatorOptions& o, const std::string& v) { return toInt(v, 0, 100000000, &o.eventsTotal); }},
         {"event-classes", "LIST",
          "comma-separated event classes the messages cycle through (default 0,1,2,3,4,5; above 5 is no known class)",
          [](SimulatorOptions& o, const std::string& v) { return toClassList(v, &o.eventClasses); }},

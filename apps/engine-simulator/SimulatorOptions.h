@@ -17,6 +17,7 @@ class SimulatorOptions
 {
 public:
     double eventsPerSecond = 0.2;
+    int eventsTotal = 0; // 0: no end
     std::vector<std::uint32_t> eventClasses{0, 1, 2, 3, 4, 5};
     int batteryPeriodMs = 2000;
     double batteryStart = 100.0;

@@ -4,6 +4,7 @@
 // push button's Set reaching the engine with this user interface's locker id, from the pool.
 
 #include "LogCapture.h"
+#include "ModuleWindow.h"
 #include "SimulatorSession.h"
 
 #include "ApplicationOrb.h"
@@ -31,34 +32,6 @@ const QString freed = QStringLiteral("LOCK RUNACTION1 free");
 constexpr int churnSeconds = 5;
 constexpr int crowdSize = 200;
 constexpr int crowdChurnSeconds = 8;
-
-// A push button in a module window as the widgets find it: marked "TopContainerObject", with a title.
-struct ModuleWindow
-{
-    explicit ModuleWindow(int updateDelay = 0)
-    {
-        window.setObjectName(QStringLiteral("TopContainerObject"));
-        window.setWindowTitle(QStringLiteral("Sweep"));
-        window.resize(300, 200);
-        button = new PushButtonImpl(&window);
-        button->setGeometry(20, 20, 160, 80);
-        button->setUpdateDelay(updateDelay);
-        window.show();
-    }
-
-    bool bind(const QString& name)
-    {
-        QSignalSpy finished(button, &WidgetBaseImpl::bindingFinished);
-        button->setAttributeName(name);
-        button->bindAttributeByName();
-        return (!finished.isEmpty() || finished.wait(10000)) && finished.last().at(0).toBool();
-    }
-
-    void touch() { QTest::mouseClick(button, Qt::LeftButton, Qt::NoModifier, QPoint(10, 10)); }
-
-    QWidget window;
-    PushButtonImpl* button;
-};
 
 } // namespace
 

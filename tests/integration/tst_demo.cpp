@@ -5,6 +5,7 @@
 
 #include "ChildProcess.h"
 #include "NamingServiceProcess.h"
+#include "ProcessSockets.h"
 
 #include <QDir>
 #include <QFile>
@@ -75,6 +76,7 @@ private slots:
     void demoServesEnginesAndUserToTheEnd();
     void runDemoStopsItsChildrenInOrder_data();
     void runDemoStopsItsChildrenInOrder();
+    void demoListensOnLoopbackOnlyAndJoinsNoGroup();
 
 private:
     QProcessEnvironment environment() const
@@ -111,6 +113,22 @@ private:
     QString storedLayout(const QString& file)
     {
         return client({"--save-state", file}) == 0 ? readFile(file) : QString();
+    }
+
+    // Starts scripts/run-demo in a session of its own, as a terminal starts a command
+    // (its process group is its PID), and waits until the desktop serves.
+    void startRunDemo(ChildProcess& demo)
+    {
+        QProcessEnvironment environment = this->environment();
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        environment.insert(QStringLiteral("TZ_DEMO_SIMULATOR"), QStringLiteral("--modules 2 --events-per-second 0"));
+        demo.setOutputIncludesErrors(true);
+        QVERIFY(demo.start(QStringLiteral("setsid"), {QStringLiteral(TZ_SOURCE_DIR "/scripts/run-demo"), QStringLiteral(TZ_BUILD_DIR), "-res", "800x480"},
+                           environment, QStringLiteral("READY")));
+        QCOMPARE(qint64(::getpgid(pid_t(demo.pid()))), demo.pid());
+        m_corbaname = QRegularExpression(QStringLiteral("ORBInitRef=NameService=(\\S+)")).match(demo.output()).captured(1);
+        QVERIFY2(!m_corbaname.isEmpty(), qPrintable(demo.output()));
+        QTRY_VERIFY_WITH_TIMEOUT(screens().contains(QLatin1String("Power Meter\n")), 20000);
     }
 
     QString m_marker;
@@ -231,18 +249,10 @@ void TestDemo::runDemoStopsItsChildrenInOrder()
 {
     QFETCH(int, signal);
     QFETCH(int, status);
-    QProcessEnvironment environment = this->environment();
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    environment.insert(QStringLiteral("TZ_DEMO_SIMULATOR"), QStringLiteral("--modules 2 --events-per-second 0"));
-    // A session of its own, as a terminal gives a command: its process group is its PID.
     ChildProcess demo;
-    demo.setOutputIncludesErrors(true);
-    QVERIFY(demo.start(QStringLiteral("setsid"), {QStringLiteral(TZ_SOURCE_DIR "/scripts/run-demo"), QStringLiteral(TZ_BUILD_DIR), "-res", "800x480"},
-                       environment, QStringLiteral("READY")));
-    QCOMPARE(qint64(::getpgid(pid_t(demo.pid()))), demo.pid());
-    m_corbaname = QRegularExpression(QStringLiteral("ORBInitRef=NameService=(\\S+)")).match(demo.output()).captured(1);
-    QVERIFY2(!m_corbaname.isEmpty(), qPrintable(demo.output()));
-    QTRY_VERIFY_WITH_TIMEOUT(screens().contains(QLatin1String("Power Meter\n")), 20000);
+    startRunDemo(demo);
+    if (QTest::currentTestFailed())
+        return;
 
     // The signal reaches the whole group, as a terminal sends it.
     QCOMPARE(::kill(-pid_t(demo.pid()), signal), 0);
@@ -252,6 +262,43 @@ void TestDemo::runDemoStopsItsChildrenInOrder()
              qPrintable(output));
     QVERIFY2(!output.contains(QLatin1String("cannot unbind")), qPrintable(output));
     QVERIFY2(survivors(m_marker).isEmpty(), qPrintable(survivors(m_marker).join('\n')));
+}
+
+void TestDemo::demoListensOnLoopbackOnlyAndJoinsNoGroup()
+{
+    // Each group's users before the demo: a join by the demo adds a group or a user.
+    const auto usersByGroup = [] {
+        QHash<QString, int> users;
+        for (const QString& group : ProcessSockets::multicastGroups())
+            users.insert(group.section(' ', 0, 1), group.section(' ', 2).toInt());
+        return users;
+    };
+    const QHash<QString, int> before = usersByGroup();
+    ChildProcess demo;
+    startRunDemo(demo);
+    if (QTest::currentTestFailed())
+        return;
+    QStringList exposed;
+    const QStringList processes = survivors(m_marker);
+    for (const QString& process : processes) {
+        for (const ProcessSockets::Socket& socket : ProcessSockets::of(process.section(' ', 0, 0).toLongLong()))
+            if (socket.address != QLatin1String("127.0.0.1"))
+                exposed.append(process + ": " + ProcessSockets::describe(socket));
+    }
+    QStringList joined;
+    const QHash<QString, int> during = usersByGroup();
+    for (auto group = during.cbegin(); group != during.cend(); ++group) {
+        // Every interface is in the all-hosts groups of its own.
+        const bool allHosts = group.key().endsWith(QLatin1String(" 224.0.0.1"))
+            || group.key().endsWith(QLatin1String(" ff020000000000000000000000000001"));
+        if (!allHosts && group.value() > before.value(group.key()))
+            joined.append(QStringLiteral("multicast group joined: ") + group.key());
+    }
+    QCOMPARE(::kill(-pid_t(demo.pid()), SIGTERM), 0);
+    QCOMPARE(demo.wait(20000), 143);
+    // run-demo, omniNames, the simulator and the host at least.
+    QVERIFY2(processes.size() >= 4, qPrintable(processes.join('\n')));
+    QVERIFY2(exposed.isEmpty() && joined.isEmpty(), qPrintable((exposed + joined).join('\n')));
 }
 
 QTEST_MAIN(TestDemo)

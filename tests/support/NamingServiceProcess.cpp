@@ -26,11 +26,13 @@ bool NamingServiceProcess::start(const NetworkNamespaces& network, NetworkNamesp
     return launch(&network, side, timeoutMs);
 }
 
-bool NamingServiceProcess::launch(const NetworkNamespaces* network, NetworkNamespaces::Side side, int timeoutMs)
+bool NamingServiceProcess::launch(const NetworkNamespaces* network, NetworkNamespaces::Side side, int timeoutMs,
+                                  bool firstTime)
 {
     const QString port = QString::number(m_port);
-    const QStringList arguments{"-start", port, "-datadir", m_dataDir.path(), "-ORBendPoint",
-                                QStringLiteral("giop:tcp:%1:%2").arg(m_address, port)};
+    // Started again, omniNames takes its port and names from the log in its data directory.
+    const QStringList arguments = (firstTime ? QStringList{"-start", port} : QStringList())
+        + QStringList{"-datadir", m_dataDir.path(), "-ORBendPoint", QStringLiteral("giop:tcp:%1:%2").arg(m_address, port)};
     const QString program = QStringLiteral(TZ_OMNINAMES);
     if (!m_dataDir.isValid()
         || !m_process.start(network ? network->wrapperProgram() : program,

@@ -25,6 +25,9 @@ public:
     bool start(const NetworkNamespaces& network, NetworkNamespaces::Side side, const QString& address, quint16 port,
                int timeoutMs = 10000);
     void stop() { m_process.stop(); }
+    /// Starts the stopped omniNames again on the same address, port and data directory:
+    /// it comes back with the names bound before.
+    bool restart(int timeoutMs = 10000) { return launch(nullptr, NetworkNamespaces::Instrument, timeoutMs, false); }
 
     quint16 port() const { return m_port; }
     qint64 pid() const { return m_process.pid(); }
@@ -50,7 +53,7 @@ public:
     }
 
 private:
-    bool launch(const NetworkNamespaces* network, NetworkNamespaces::Side side, int timeoutMs);
+    bool launch(const NetworkNamespaces* network, NetworkNamespaces::Side side, int timeoutMs, bool firstTime = true);
 
     QTemporaryDir m_dataDir;
     ChildProcess m_process;

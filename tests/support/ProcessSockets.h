@@ -3,6 +3,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 /**
  * The sockets a process listens on (TCP) or has bound (UDP), read from /proc as the
@@ -22,6 +23,15 @@ public:
     };
 
     static QList<Socket> of(qint64 pid);
+    /// The bytes waiting in the receive queues of the process's TCP connections: for a
+    /// stopped process, the requests sent to it that it has not read.
+    static int unreadBytes(qint64 pid);
+    /// The process's established TCP connections.
+    static int connections(qint64 pid);
+    /// The multicast groups joined in this network namespace, one "DEVICE GROUP USERS"
+    /// each (IPv4 dotted, IPv6 as the table's hexadecimal text), from /proc/net/igmp and
+    /// /proc/net/igmp6.
+    static QStringList multicastGroups();
     /// "udp 127.0.0.1:7410" for a failure message.
     static QString describe(const Socket& s) { return QStringLiteral("%1 %2:%3").arg(s.table, s.address).arg(s.port); }
 };

@@ -46,10 +46,9 @@ public:
 
     bool start(const NamingServiceProcess& naming, const QStringList& arguments = {})
     {
-        if (!m_simulator.start(QStringLiteral(TZ_ENGINE_SIMULATOR),
-                               QStringList{"--modules", "1", "--events-per-second", "0", "--battery-period-ms", "100"}
-                                   + arguments,
-                               naming.childEnvironment()))
+        m_arguments = QStringList{"--modules", "1", "--events-per-second", "0", "--battery-period-ms", "100"} + arguments;
+        m_environment = naming.childEnvironment();
+        if (!restart())
             return false;
         // The subscriber lives while the test waits for its first sample.
         std::atomic<bool> heard{false};
@@ -62,8 +61,20 @@ public:
         m_discovery = std::make_unique<NamingServiceImpl>();
         m_discovery->initialize();
         GlobalImpl::getInstance()->setNamingService(m_discovery.get());
-        return m_discovery->guiAbleLoaded() == 1;
+        return m_discovery->guiAbleLoaded() >= 1;
     }
+
+    /// Stops the simulator (SIGTERM) if it runs and starts a new one as start() did;
+    /// the discovery and the registry stay.
+    bool restart()
+    {
+        m_suspended = false;
+        m_simulator.stop();
+        return m_simulator.start(QStringLiteral(TZ_ENGINE_SIMULATOR), m_arguments, m_environment);
+    }
+    /// SIGTERM, and the simulator's exit code.
+    int stop() { return m_simulator.stop(); }
+    qint64 pid() const { return m_simulator.pid(); }
 
     NamingServiceImpl& discovery() { return *m_discovery; }
 
@@ -84,7 +95,11 @@ public:
     }
 
     /// SIGKILL: the engine is gone without unbinding anything.
-    void kill() { ::kill(pid_t(m_simulator.pid()), SIGKILL); }
+    void kill()
+    {
+        m_suspended = false;
+        ::kill(pid_t(m_simulator.pid()), SIGKILL);
+    }
     /// SIGSTOP: the engine takes calls and answers none until resume().
     void suspend() { m_suspended = ::kill(pid_t(m_simulator.pid()), SIGSTOP) == 0; }
     void resume()
@@ -96,6 +111,8 @@ public:
 private:
     ChildProcess m_simulator;
     std::unique_ptr<NamingServiceImpl> m_discovery;
+    QStringList m_arguments;
+    QProcessEnvironment m_environment;
     bool m_suspended = false;
 };
 

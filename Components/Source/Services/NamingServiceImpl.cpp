@@ -435,6 +435,7 @@ void NamingServiceImpl::dds_callback(const char* topic, std::string payload)
         }
         const QString idx = QString::number(index);
         if (operation == "create") {
+            dropIfBoundAnew(idx);
             processGUIAble(idx);
             return;
         }
@@ -491,6 +492,35 @@ void NamingServiceImpl::recoverModules()
             qDebug() << "UserInterface - Not a module index under Lumaro/local/GUI_ABLE:" << shown(name);
     }
     std::sort(indices.begin(), indices.end());
-    for (int index : indices)
+    for (int index : indices) {
+        dropIfBoundAnew(QString::number(index));
         processGUIAble(QString::number(index));
+    }
+}
+
+void NamingServiceImpl::dropIfBoundAnew(const QString& idx)
+{
+    const Orvanth::GUI_Able_var held = getModule(idx);
+    if (CORBA::is_nil(held))
+        return;
+    const std::string path = std::string(Orvanth::Names::GuiAbleContext) + "/" + idx.toStdString();
+    try {
+        CORBA::Object_var bound =
+            withNamingClient([&path](ORB_wrapper_base& client) { return client.ResolveName(path); });
+        // Compares the references here, without asking either object.
+        if (CORBA::is_nil(bound) || bound->_is_equivalent(held.in()))
+            return;
+    } catch (const CORBA::Exception&) {
+        // Loading the module again meets the same failure and tells it.
+        return;
+    }
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        const auto it = m_moduleList.find(idx);
+        if (it == m_moduleList.end() || it.value().in() != held.in())
+            return;
+        m_moduleList.erase(it);
+    }
+    qDebug() << "UserInterface - GUI_ABLE bound anew, reloading:" << idx;
+    emit destroy(idx);
 }

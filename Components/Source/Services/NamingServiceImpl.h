@@ -129,6 +129,9 @@ signals:
 private:
     /// Loads \a idx; true when this call stored it (not when it was there already).
     bool loadModule(const QString& idx);
+    /// Drops a loaded module whose index names another object now: its engine ended
+    /// without a word and bound the index again when it came back.
+    void dropIfBoundAnew(const QString& idx);
     bool isLoaded(const QString& idx) const;
     /// FindChildContext of the module context; a naming failure arms the retry.
     std::vector<std::string> listModuleNames();
