@@ -8,7 +8,6 @@
 #include "CSS.h"
 #include "FSContainer.h"
 #include "MenuBar.h"
-#include "QTZMessageOutputControl.h"
 #include "RotatableLabel.h"
 #include "WindowDrawer.h"
 
@@ -136,14 +135,6 @@ struct DrawerDesk
     ContainerImpl* container;
 };
 
-// Each message with the state of the output switch at the moment it was logged.
-QList<QPair<QString, bool>> loggedLines;
-
-void recordWithSwitch(QtMsgType, const QMessageLogContext&, const QString& message)
-{
-    loggedLines.append({message, bool(QTZMessageOutputControl::m_output)});
-}
-
 } // namespace
 
 class TestDesktop : public QObject
@@ -187,45 +178,6 @@ private slots:
         QVERIFY(!desktop.isHidden());
         if (!desktop.isFullScreen())
             QCOMPARE(desktop.geometry(), QRect(QPoint(0, 0), size));
-    }
-
-    void exitMenuSlidesOutAndBack()
-    {
-        QWidget parent;
-        DesktopImpl desktop(&parent);
-        auto* menu = new QFrame(&desktop);
-        menu->move(35, 400);
-        auto* grip = new QPushButton(menu);
-        connect(grip, &QPushButton::clicked, &desktop, &DesktopImpl::toggleExitMenu);
-        // From anywhere but the left edge it comes out to it, and from there slides away.
-        for (int x : {0, -80, 0}) {
-            grip->click();
-            QCOMPARE(menu->pos(), QPoint(x, 400));
-        }
-        // Without a sender there is no menu to move.
-        desktop.toggleExitMenu();
-        QCOMPARE(menu->x(), 0);
-    }
-
-    void rightClicksToggleDiagnosticOutput()
-    {
-        QWidget parent;
-        parent.resize(800, 480);
-        DesktopImpl desktop(&parent);
-        parent.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&parent));
-        loggedLines.clear();
-        const QtMessageHandler previous = qInstallMessageHandler(&recordWithSwitch);
-        QTest::mouseClick(&desktop, Qt::LeftButton, {}, QPoint(100, 100));
-        QTest::mouseClick(&desktop, Qt::RightButton, {}, QPoint(100, 100));
-        const bool afterFirstRightClick = QTZMessageOutputControl::m_output;
-        QTest::mouseClick(&desktop, Qt::RightButton, {}, QPoint(400, 300));
-        qInstallMessageHandler(previous);
-        QVERIFY(afterFirstRightClick && !QTZMessageOutputControl::m_output);
-        // Both lines are logged while output is on, so both are seen; the left click logs nothing.
-        const QList<QPair<QString, bool>> expected{{QStringLiteral("UserInterface - Turn ON debug messages!"), true},
-                                                   {QStringLiteral("UserInterface - Turn OFF debug messages!"), true}};
-        QCOMPARE(loggedLines, expected);
     }
 
     // ---- Placement and the map of cells
@@ -782,23 +734,6 @@ private slots:
         QVERIFY(!maxRestore->isChecked());
         QCOMPARE(container->geometry(), home);
         QCOMPARE(container->isHidden(), how != QLatin1String("ContainerHalt"));
-    }
-
-    void sendToBackLowersContainer()
-    {
-        ContainerTestDesktop desk("benchtop", QVariant(), false);
-        ContainerImpl* back = desk.addContainer();
-        ContainerImpl* front = desk.addContainer();
-        front->move(back->pos());
-        front->raise();
-        const QPoint middle = back->geometry().center();
-        QVERIFY(front->isAncestorOf(desk.desktop->childAt(middle)));
-        QVERIFY(!button(front, "ContainerToBack")->isVisible());
-        front->showSendToBackButton(true);
-        QTest::mouseClick(button(front, "ContainerToBack"), Qt::LeftButton);
-        QVERIFY(back->isAncestorOf(desk.desktop->childAt(middle)));
-        front->showSendToBackButton(false);
-        QVERIFY(!button(front, "ContainerToBack")->isVisible());
     }
 
     void imagesAreBundled_data()

@@ -1,6 +1,7 @@
 // Module discovery against a real omniNames, the engine simulator and small engine
 // processes: the start-up search, the module broadcast, bad broadcasts, modules that
-// cannot be loaded, dead engines and a naming service that comes up late.
+// cannot be loaded and dead engines. A naming service that goes and comes back is
+// tst_faults' case.
 
 #include "ChildProcess.h"
 #include "LogCapture.h"
@@ -14,7 +15,6 @@
 #include "OrvanthNames.h"
 
 #include <QElapsedTimer>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
@@ -50,34 +50,26 @@ class TestDiscovery : public QObject
 
 private slots:
     void initTestCase();
-    void init() { QVERIFY(startNamingService()); }
     void cleanupTestCase();
-    void recoversWhenNamingServiceComesUpLate();
     void loadsModulesPresentAtStartAndDropsKilledEngine();
     void followsModulesComingAndGoing();
     void ignoresBroadcastsItCannotUse_data();
     void ignoresBroadcastsItCannotUse();
 
 private:
-    bool startNamingService();
     static bool startChild(ChildProcess& child, const QString& program, const QStringList& arguments)
     {
         return child.start(program, arguments, QProcessEnvironment::systemEnvironment());
     }
 
-    quint16 m_port = 0;
-    QTemporaryDir m_namingData;
-    std::unique_ptr<ChildProcess> m_namingService;
+    NamingServiceProcess m_naming;
     std::unique_ptr<Orvanth::EngineServer> m_server;
 };
 
 void TestDiscovery::initTestCase()
 {
-    // The process ORB keeps the naming service it was started with, so the port is
-    // fixed before anything runs there; the engines started here inherit it.
-    m_port = NamingServiceProcess::freeLoopbackPort();
-    QVERIFY(m_port != 0);
-    const QString initRef = QStringLiteral("NameService=corbaname::127.0.0.1:%1").arg(m_port);
+    QVERIFY(m_naming.start());
+    const QString initRef = QStringLiteral("NameService=") + m_naming.corbaname();
     QCoreApplication::instance()->setProperty("-ORBInitRef", initRef);
     qputenv("ORBInitRef", initRef.toLatin1());
     ApplicationOrb::start();
@@ -89,41 +81,6 @@ void TestDiscovery::cleanupTestCase()
     m_server.reset();
     ORB_base::destroyProcessOrb();
     Orvanth::DDS_BaseObj::shutdownDds();
-    m_namingService.reset();
-}
-
-bool TestDiscovery::startNamingService()
-{
-    if (m_namingService && m_namingService->isRunning())
-        return true;
-    m_namingService = std::make_unique<ChildProcess>();
-    const QString port = QString::number(m_port);
-    // Started again, it reads the bindings it kept in its data directory; it reports on
-    // standard error, which the shell hands to the ready check.
-    const QString command = QStringLiteral("exec \"$0\" %1 -datadir \"$1\" -ORBendPoint giop:tcp:127.0.0.1:%2 2>&1")
-                                .arg(QDir(m_namingData.path()).isEmpty() ? QStringLiteral("-start ") + port : QString(), port);
-    return m_namingService->start(QStringLiteral("/bin/sh"), {"-c", command, QStringLiteral(TZ_OMNINAMES), m_namingData.path()},
-                                  QProcessEnvironment::systemEnvironment(), QStringLiteral("Root context is"));
-}
-
-void TestDiscovery::recoversWhenNamingServiceComesUpLate()
-{
-    // Modules bound, then the naming service goes down and keeps them in its data.
-    ChildProcess simulator;
-    QVERIFY(startChild(simulator, QStringLiteral(TZ_ENGINE_SIMULATOR), {"--events-per-second", "0", "--modules", "2"}));
-    m_namingService.reset();
-
-    LogCapture log;
-    NamingServiceImpl discovery;
-    Announcements seen(discovery);
-    discovery.initialize();
-    QVERIFY(discovery.getModuleList().isEmpty());
-    // The retry finds them once it is back, without a broadcast, and announces them;
-    // the outage is reported once, not at every retry.
-    QVERIFY(startNamingService());
-    QTRY_COMPARE_WITH_TIMEOUT(sorted(seen.created), (QStringList{"1", "2"}), 10000);
-    QCOMPARE(sorted(discovery.getModuleList()), (QStringList{"1", "2"}));
-    QCOMPARE(log.linesContaining(QStringLiteral("Naming service unreachable, retrying every")).size(), 1);
 }
 
 void TestDiscovery::followsModulesComingAndGoing()

@@ -186,40 +186,7 @@ private slots:
         QCOMPARE(seen, (QSet<quint32>{0, 1, 2, 3, 4, 5}));
     }
 
-    void simulatorModulesComeAndGoThenStopCleanly_data()
-    {
-        QTest::addColumn<int>("signal");
-        QTest::newRow("SIGTERM") << int(SIGTERM);
-        QTest::newRow("SIGINT") << int(SIGINT);
-    }
 
-    void simulatorModulesComeAndGoThenStopCleanly()
-    {
-        QFETCH(int, signal);
-        SampleCollector<std::string> broadcasts;
-        const auto subscriber = subscribe<std::string>(Names::GuiAbleTopic, broadcasts);
-        ChildProcess simulator;
-        // The churn moves the highest module only.
-        QVERIFY(startSimulator(simulator, {"--modules", "3", "--module-churn", "1"}));
-        const GUI_Able_var third = module("3");
-        CORBA::String_var pong = third->Ping("PingTest");
-        QTRY_VERIFY_WITH_TIMEOUT(broadcasts.contains("destroy,3"), 10000);
-        QCOMPARE(moduleNames(), (std::vector<std::string>{"1", "2"}));
-        QVERIFY_EXCEPTION_THROWN(CORBA::String_var(third->Ping("PingTest")), CORBA::SystemException);
-        // The announcement follows the binding, so the module is there to be fetched.
-        QTRY_VERIFY_WITH_TIMEOUT(broadcasts.values().back() == "create,3", 10000);
-        pong = GUI_Able_var(module("3"))->Ping("PingTest");
-
-        const std::size_t before = broadcasts.values().size();
-        QCOMPARE(::kill(pid_t(simulator.pid()), signal), 0);
-        QCOMPARE(simulator.wait(10000), 0);
-        QVERIFY(moduleNames().empty());
-        QVERIFY(CORBA::is_nil(CORBA::Object_var(m_orb->ResolveName(Locker::ManagerPath))));
-        QTRY_VERIFY_WITH_TIMEOUT(broadcasts.values().size() >= before + 2, 10000);
-        const std::vector<std::string> all = broadcasts.values();
-        QVERIFY(std::count(all.begin() + std::ptrdiff_t(before), all.end(), "destroy,1")
-                && std::count(all.begin() + std::ptrdiff_t(before), all.end(), "destroy,2"));
-    }
 
 private:
     // Runs \a program to its end (bounded): its exit code (-1 when it crashed or hung), and

@@ -54,13 +54,11 @@ private slots:
     void feedAndTouchesDriveTheWidget();
     void longPressTellsTheBinding_data();
     void longPressTellsTheBinding();
-    void criticalButtonKeepsItsLookAcrossSizes();
     void buttonAndEngineLossFollowTheLanguage();
     void scrollBarTouchJumpsOrSteps_data();
     void scrollBarTouchJumpsOrSteps();
     void scrollBarPageStepFollowsTrackLength_data();
     void scrollBarPageStepFollowsTrackLength();
-    void scrollBarLookFollowsStyleAndSize();
     void scalableLabelFitsItsWidth_data();
     void scalableLabelFitsItsWidth();
     void scalableLabelFitsAsSteppingDownDoes_data();
@@ -257,17 +255,6 @@ void TestKit::longPressTellsTheBinding()
     QCOMPARE(GlobalImpl::getInstance()->entryMechanism(), entry);
 }
 
-void TestKit::criticalButtonKeepsItsLookAcrossSizes()
-{
-    PushButtonImpl button;
-    const QString standard = button.styleSheet();
-    // The critical look stays through a change of size.
-    button.setCriticalStyle();
-    const QString critical = button.styleSheet();
-    button.changeSize(QStringLiteral("Small"));
-    QVERIFY(button.styleSheet() == critical && critical != standard);
-}
-
 void TestKit::buttonAndEngineLossFollowTheLanguage()
 {
     LanguageScope language;
@@ -378,28 +365,6 @@ void TestKit::scrollBarPageStepFollowsTrackLength()
     bar->setRange(0, maximum * 10);
     bar->resize(orientation == Qt::Vertical ? QSize(30, 200) : QSize(200, 30));
     QCOMPARE(bar->pageStep(), expected);
-}
-
-void TestKit::scrollBarLookFollowsStyleAndSize()
-{
-    for (Qt::Orientation orientation : {Qt::Vertical, Qt::Horizontal}) {
-        std::unique_ptr<ScrollBarImpl> bar(scrollBar(orientation, nullptr, 100));
-        const QString touch = bar->styleSheet();
-        bar->setStyle(ScrollBarImpl::WITH_SCROLL_ARROWS);
-        const QString arrows = bar->styleSheet();
-        bar->changeSize(QStringLiteral("Min"));
-        const QString compact = bar->styleSheet();
-        // Other size names keep the look.
-        bar->changeSize(QStringLiteral("Thumb"));
-        QCOMPARE(bar->styleSheet(), compact);
-        QVERIFY(touch != arrows && arrows != compact);
-        // Every picture the looks name is in the resources.
-        const QRegularExpression url(QStringLiteral("url\\((:[^)]+)\\)"));
-        for (auto match = url.globalMatch(touch + arrows + compact); match.hasNext();) {
-            const QString path = match.next().captured(1);
-            QVERIFY2(QFile::exists(path), qPrintable(path));
-        }
-    }
 }
 
 void TestKit::scalableLabelFitsItsWidth_data()
@@ -573,16 +538,6 @@ void TestKit::editorGutterFitsTheLineNumbers()
     const QRect contents = editor.contentsRect();
     QCOMPARE(gutter->geometry(), QRect(contents.left(), contents.top(), width, contents.height()));
     QCOMPARE(editor.viewport()->geometry().left(), contents.left() + width);
-    // The numbers stand in black in the gutter's right part, 5 pixels short of its edge.
-    const QImage image = gutter->grab().toImage();
-    int left = width;
-    int right = -1;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < width; ++x)
-            left = qGray(image.pixel(x, y)) < 96 ? (right = qMax(right, x), qMin(left, x)) : left;
-    }
-    QVERIFY2(right < width - 5 && right >= width - 6 - editor.fontMetrics().horizontalAdvance(QLatin1Char('9')) && left > 0,
-             qPrintable(QStringLiteral("%1 to %2").arg(left).arg(right)));
 }
 
 void TestKit::editorHighlightsCursorLineOnlyWhenEditable()

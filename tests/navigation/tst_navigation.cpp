@@ -2,7 +2,6 @@
 // and dragging its row, the auto-hide time-out, the paging arrows, tiles and pop-ups,
 // and the menus the host builds entry by entry and takes apart again.
 
-#include "LanguageScope.h"
 
 #include "ContainerBase.h"
 #include "GlobalImpl.h"
@@ -475,26 +474,6 @@ private slots:
         // Sliding the bar closes every pop-up at once.
         desk.bar->toggle();
         QVERIFY(!analyzerMenu->isVisible() && !scope->isVisible() && !analyzers->isChecked());
-    }
-
-    void categoryTilesFollowTheLanguage()
-    {
-        LanguageScope language;
-        Desk desk;
-        desk.run({{"Analyzers", "", "Scope"}, {"Analyzers", "", "Spectrum"}, {"Meters", "", "Power Meter"}});
-        // The tiles as a user reads them, and an entry the host named.
-        const auto shown = [&desk] {
-            QStringList texts;
-            for (MenuItem* button : desk.row())
-                texts << static_cast<QLabel*>(button->findChild<MenuWidgetImpl*>())->text();
-            return texts.join(" | ") + " / " + desk.entry("Analyzers", "", "Scope")->text();
-        };
-        for (const char* current : {"zh_tw", "", "zh_tw", "en"}) {
-            language.switchTo(current);
-            // The library names the categories it knows; the host's labels are the host's.
-            QCOMPARE(shown(), qstrcmp(current, "zh_tw") == 0 ? QStringLiteral("分析儀 | Power Meter / Scope")
-                                                              : QStringLiteral("Analyzers | Power Meter / Scope"));
-        }
     }
 
     void buildsMenusOfARealisticSet()

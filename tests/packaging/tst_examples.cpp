@@ -1,16 +1,14 @@
 // The examples as a developer builds them against an installed package, run as programs:
 // the minimal host starts and ends on each system type and serves the remote GUI service,
 // the Designer form comes up with the kit's widgets made by the installed plug-in and
-// binds them to an engine, and the example engine serves its module and attribute and
-// opens its dialog on the minimal host.
+// binds them to an engine, and the example engine serves its module and opens its
+// dialog on the minimal host.
 
 #include "ChildProcess.h"
 #include "NamingServiceProcess.h"
 
 #include "ORB_wrapper_base.h"
 #include "OrvanthNames.h"
-
-#include <Orvanth.hh>
 
 #include <QtTest>
 
@@ -111,22 +109,6 @@ private slots:
         QVERIFY(moduleBound("61"));
         QTRY_COMPARE_WITH_TIMEOUT(run(QStringLiteral(TZ_GUI_CLIENT), orb + QStringList{"--active", "Example engine"}), 0,
                                   10000);
-
-        // The attribute is lockable through the engine's lock manager, and the engine
-        // hears of each change of its holder.
-        CORBA::Object_var object = m_orb->ResolveName(std::string(Names::GuiAbleContext) + "/61");
-        GUI_Able_var module = GUI_Able::_narrow(object);
-        QVERIFY(!CORBA::is_nil(module));
-        EngineAttribVoid_var attribute = EngineAttribVoid::_narrow(EngineReadingBase_var(module->FindAttribute("EXAMPLEACTION1")));
-        QVERIFY(!CORBA::is_nil(attribute));
-        LockManager_var locks = LockManager::_narrow(CORBA::Object_var(m_orb->ResolveName(Names::LockerPath)));
-        QVERIFY(!CORBA::is_nil(locks));
-        const LockerID me = locks->LockerIdentity("tst_examples");
-        Lock_Authority_var authority = locks->Authority(me);
-        const CORBA::Long handle = attribute->Lock(authority.in());
-        QTRY_VERIFY(engine.output().contains("LOCK held\n"));
-        attribute->Unlock(me, handle);
-        QTRY_VERIFY(engine.output().contains("LOCK free\n"));
 
         // Stopped, it takes its module away.
         QCOMPARE(engine.stop(), 0);

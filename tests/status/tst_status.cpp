@@ -88,8 +88,6 @@ private slots:
     void barCyclesThroughItsSizes_data();
     void barCyclesThroughItsSizes();
     void showsEngineMessagesFromDds();
-    void bubblePointsWhereAligned_data();
-    void bubblePointsWhereAligned();
     void bubbleWrapsTextAndFadesOutOnATapInside();
     void batteryIndicatorsFollowPowerAndLevel_data();
     void batteryIndicatorsFollowPowerAndLevel();
@@ -384,39 +382,6 @@ void TestStatus::showsEngineMessagesFromDds()
     for (QString& line : expected)
         line += QStringLiteral(" WARNING: Fan speed low");
     QCOMPARE(bar.messageLog()->lines(), expected);
-}
-
-void TestStatus::bubblePointsWhereAligned_data()
-{
-    QTest::addColumn<int>("direction");
-    QTest::addColumn<int>("alignment");
-    QTest::newRow("bottom edge, left") << int(SpeechBubbleImpl::pdBottom) << int(SpeechBubbleImpl::paTopOrLeft);
-    QTest::newRow("bottom edge, right") << int(SpeechBubbleImpl::pdBottom) << int(SpeechBubbleImpl::paBottomOrRight);
-    QTest::newRow("top edge, left") << int(SpeechBubbleImpl::pdTop) << int(SpeechBubbleImpl::paTopOrLeft);
-    QTest::newRow("top edge, right") << int(SpeechBubbleImpl::pdTop) << int(SpeechBubbleImpl::paBottomOrRight);
-}
-
-void TestStatus::bubblePointsWhereAligned()
-{
-    QFETCH(int, direction);
-    QFETCH(int, alignment);
-    SpeechBubbleImpl bubble(&m_mainWindow);
-    bubble.setPointDirection(SpeechBubbleImpl::PointDirection_t(direction));
-    bubble.setPointAlignment(SpeechBubbleImpl::PointAlignment_t(alignment));
-    bubble.setColorScheme(SpeechBubbleImpl::csGreen);
-    bubble.setText(QStringLiteral("Sweep complete"));
-    bubble.setOpacity(255);
-    // The pointer sticks out beyond the box, below or above it, near one end.
-    const QRect box = bubble.shape().boundingRect().toRect();
-    const bool bottom = direction == SpeechBubbleImpl::pdBottom;
-    const int y = bottom ? box.bottom() - 12 : 15;
-    const QPoint left(bottom ? 20 : box.left() + 13, y);
-    const QPoint right(bottom ? box.right() - 18 : box.right() - 16, y);
-    const bool atLeft = alignment == SpeechBubbleImpl::paTopOrLeft;
-    const QImage image = painted(bubble);
-    QVERIFY(paintedAt(image, atLeft ? left : right));
-    QVERIFY(!paintedAt(image, atLeft ? right : left));
-    QCOMPARE(QColor(image.pixel(box.left() + 8, box.center().y())).green(), 161);
 }
 
 void TestStatus::bubbleWrapsTextAndFadesOutOnATapInside()

@@ -86,12 +86,13 @@ int ProcessSockets::connections(qint64 pid)
     return int(std::count_if(rows.begin(), rows.end(), [](const QStringList& row) { return row.at(4) == QLatin1String("01"); }));
 }
 
-QStringList ProcessSockets::multicastGroups()
+QStringList ProcessSockets::multicastGroups(qint64 pid)
 {
+    const QString net = pid ? QStringLiteral("/proc/%1/net/").arg(pid) : QStringLiteral("/proc/net/");
     QStringList groups;
     // igmp: a "INDEX DEVICE : COUNT QUERIER" line per device, then one "GROUP USERS
     // TIMER REPORTER" line per group, indented.
-    QFile igmp(QStringLiteral("/proc/net/igmp"));
+    QFile igmp(net + QLatin1String("igmp"));
     QString device;
     if (igmp.open(QIODevice::ReadOnly)) {
         igmp.readLine(); // header
@@ -105,7 +106,7 @@ QStringList ProcessSockets::multicastGroups()
         }
     }
     // igmp6: "INDEX DEVICE GROUP USERS FLAGS TIMER" per group.
-    QFile igmp6(QStringLiteral("/proc/net/igmp6"));
+    QFile igmp6(net + QLatin1String("igmp6"));
     if (igmp6.open(QIODevice::ReadOnly)) {
         while (!igmp6.atEnd()) {
             const QStringList fields = QString::fromLatin1(igmp6.readLine()).simplified().split(QLatin1Char(' '));
@@ -114,4 +115,12 @@ QStringList ProcessSockets::multicastGroups()
         }
     }
     return groups;
+}
+
+bool ProcessSockets::kernelGroup(const QString& group)
+{
+    const QString address = group.section(QLatin1Char(' '), 1, 1);
+    return address == QLatin1String("224.0.0.1") || address == QLatin1String("ff010000000000000000000000000001")
+        || address == QLatin1String("ff020000000000000000000000000001")
+        || address.startsWith(QLatin1String("ff0200000000000000000001ff"));
 }
