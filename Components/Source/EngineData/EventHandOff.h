@@ -41,6 +41,22 @@ public:
 
     explicit EventHandOff(Sink sink, QObject* parent = nullptr);
 
+    /// A hand-off owned by \a bar that takes what its updateMessage() signal carries,
+    /// emitted on DDS threads, to its addMessage() in the GUI thread.
+    template <class Bar>
+    static EventHandOff* follow(Bar* bar)
+    {
+        auto* handOff = new EventHandOff(
+            [bar](const Message& message) { bar->addMessage(message.text, message.dateTime, message.eventClass); }, bar);
+        connect(
+            bar, &Bar::updateMessage, handOff,
+            [handOff](QString text, QString dateTime, Orvanth::Event::EventClass eventClass) {
+                handOff->push({std::move(text), std::move(dateTime), eventClass});
+            },
+            Qt::DirectConnection);
+        return handOff;
+    }
+
     /// From any thread.
     void push(Message message);
     /// Messages queued and not yet handed to the sink.

@@ -125,15 +125,7 @@ QTZStatusBar::QTZStatusBar(QWidget* parent)
     connect(&m_geometryAnimation, &QPropertyAnimation::finished, this, &QTZStatusBar::animationFinished);
     connect(m_alertIcon, &QPushButton::clicked, this, &QTZStatusBar::handleAlertIconClicked);
     // Emitted on DDS threads by dds_callback: batched into the GUI thread, in order.
-    m_handOff = new EventHandOff(
-        [this](const EventHandOff::Message& message) { addMessage(message.text, message.dateTime, message.eventClass); },
-        this);
-    connect(
-        this, &QTZStatusBar::updateMessage, m_handOff,
-        [handOff = m_handOff](QString desc, QString dateTime, Orvanth::Event::EventClass evt) {
-            handOff->push({std::move(desc), std::move(dateTime), evt});
-        },
-        Qt::DirectConnection);
+    m_handOff = EventHandOff::follow(this);
 
     m_log = new QTZMsgLogger(parentWidget(), logAnchor());
     connect(this, &QTZStatusBar::showMessageLog, m_log.data(), &MsgLogger::animate);

@@ -161,15 +161,7 @@ StatusBarImpl::StatusBarImpl(QWidget* parent)
     connect(m_alertIcon, &QPushButton::clicked, this, &StatusBarImpl::handleAlertIconClicked);
     connect(m_refOscIcon, &QPushButton::toggled, this, &StatusBarImpl::setReferenceOscillator);
     // Emitted on DDS threads by dds_callback: batched into the GUI thread, in order.
-    m_handOff = new EventHandOff(
-        [this](const EventHandOff::Message& message) { addMessage(message.text, message.dateTime, message.eventClass); },
-        this);
-    connect(
-        this, &StatusBarImpl::updateMessage, m_handOff,
-        [handOff = m_handOff](QString desc, QString dateTime, Orvanth::Event::EventClass evt) {
-            handOff->push({std::move(desc), std::move(dateTime), evt});
-        },
-        Qt::DirectConnection);
+    m_handOff = EventHandOff::follow(this);
 
     const int batteryWidth = m_batteryFrame ? m_batteryFrame->maximumWidth() + messageLayout->spacing() : 0;
     m_log = new MsgLogger(parentWidget(), QPoint(x + batteryWidth + m_iconBox->maximumWidth() + 18,
