@@ -154,7 +154,7 @@ void TestFaults::engineFaultIsToldOnceAndTheDesktopComesBack()
         QCOMPARE(probe.excluding([&] { return engine.stop(); }), 0);
     } else {
         // Stopped, the engine takes the request and answers nothing: killed with it unread.
-        engine.suspend();
+        QVERIFY(engine.suspend());
         if (fault == QLatin1String("press"))
             QTest::mouseClick(host.button->button(), Qt::LeftButton);
         else if (fault == QLatin1String("touch"))

@@ -14,6 +14,7 @@
 #include <QThreadPool>
 #include <QtTest>
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <memory>
@@ -100,8 +101,23 @@ public:
         m_suspended = false;
         ::kill(pid_t(m_simulator.pid()), SIGKILL);
     }
-    /// SIGSTOP: the engine takes calls and answers none until resume().
-    void suspend() { m_suspended = ::kill(pid_t(m_simulator.pid()), SIGSTOP) == 0; }
+    /// SIGSTOP: the engine takes calls and answers none until resume(). Returns once
+    /// every thread has stopped: until then a thread woken by a request may still
+    /// answer it.
+    bool suspend()
+    {
+        m_suspended = ::kill(pid_t(m_simulator.pid()), SIGSTOP) == 0;
+        const QDir tasks(QStringLiteral("/proc/%1/task").arg(m_simulator.pid()));
+        return m_suspended && QTest::qWaitFor([&tasks] {
+            const QStringList threads = tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+            return std::all_of(threads.begin(), threads.end(), [&tasks](const QString& thread) {
+                QFile file(tasks.filePath(thread + QStringLiteral("/stat")));
+                // "PID (NAME) STATE ...": the state follows the name's last closing bracket.
+                const QByteArray stat = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+                return stat.mid(stat.lastIndexOf(')') + 1).trimmed().startsWith('T');
+            });
+        }, 5000);
+    }
     void resume()
     {
         if (std::exchange(m_suspended, false))
