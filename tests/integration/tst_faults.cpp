@@ -132,9 +132,6 @@ void TestFaults::engineFaultIsToldOnceAndTheDesktopComesBack()
 {
     QFETCH(QString, fault);
     QFETCH(QString, toldBy);
-    if (fault == QLatin1String("touch"))
-        QSKIP("a lock whose engine dies meanwhile is told as lost only now and then (the locker's "
-              "own calls to the dead engine end in a time-out or a swallowed failure); to be mended");
     SimulatorSession engine;
     QVERIFY(engine.start(m_naming, {"--events-per-second", "50", "--event-classes", "0", "--events-total", "20"}));
     engine.discovery().postInit();
