@@ -730,6 +730,7 @@ void AttributeFeed::lose(quint64 generation, const QString& reason)
 
 void AttributeFeed::acquireLock()
 {
+    m_lockAsked = true;
     const std::shared_ptr<Link> link = m_link;
     m_link->enqueue([link] {
         quint64 generation = 0;
@@ -758,6 +759,8 @@ void AttributeFeed::acquireLock()
 
 void AttributeFeed::releaseLock()
 {
+    if (!std::exchange(m_lockAsked, false))
+        return;
     const std::shared_ptr<Link> link = m_link;
     m_link->enqueue([link] {
         CORBA::Long handle = 0;

@@ -171,6 +171,9 @@ private:
     bool m_bindByName = false;
     QPointer<NamingServiceImpl> m_followedDiscovery;
     bool m_lost = false;
+    // Whether a lock was asked for since the last release: a widget that never took
+    // one gives nothing back, and queues nothing when it goes.
+    bool m_lockAsked = false;
     // What a lost binding held, tried first when the feed was bound by reference.
     Orvanth::EngineReadingBase_var m_lostReading;
     QString m_moduleIndex;
