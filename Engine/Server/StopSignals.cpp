@@ -4,13 +4,20 @@
 
 namespace Orvanth {
 
-StopSignals::StopSignals()
+StopSignals::StopSignals(std::initializer_list<int> more)
 {
     sigemptyset(&m_signals);
     sigaddset(&m_signals, SIGTERM);
     sigaddset(&m_signals, SIGINT);
     sigaddset(&m_signals, SIGHUP);
+    for (const int signal : more)
+        sigaddset(&m_signals, signal);
     pthread_sigmask(SIG_BLOCK, &m_signals, nullptr);
+}
+
+bool StopSignals::isStop(int signal)
+{
+    return signal == SIGTERM || signal == SIGINT || signal == SIGHUP;
 }
 
 int StopSignals::wait() const

@@ -2,11 +2,13 @@
 #define ORVANTH_STOPSIGNALS_H
 
 #include <csignal>
+#include <initializer_list>
 
 namespace Orvanth {
 
 /**
- * SIGTERM, SIGINT and SIGHUP (a closing terminal) as a request to stop, for engine programs.
+ * SIGTERM, SIGINT and SIGHUP (a closing terminal) as a request to stop, for engine programs,
+ * and any \a more signals the program answers itself.
  *
  * Build it first thing in main(), before any ORB or DDS thread exists: it blocks them;
  * the threads started later inherit the mask, so only wait() sees them.
@@ -14,7 +16,9 @@ namespace Orvanth {
 class StopSignals
 {
 public:
-    StopSignals();
+    explicit StopSignals(std::initializer_list<int> more = {});
+    /// Whether \a signal asks to stop (one of SIGTERM, SIGINT and SIGHUP).
+    static bool isStop(int signal);
 
     /// Blocks until one of them arrives; returns the signal.
     int wait() const;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <ctime>
 #include <string>
+#include <utility>
 
 using namespace Orvanth;
 using namespace Orvanth::TKWW_DDS;
@@ -52,6 +53,15 @@ void SimulatedEngine::start()
     for (int index = 1; index <= m_options.modules; ++index)
         bindModule(index);
     m_worker = std::thread(&SimulatedEngine::run, this);
+}
+
+void SimulatedEngine::churnModuleNow()
+{
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_churnAsked = true;
+    }
+    m_wake.notify_all();
 }
 
 void SimulatedEngine::stop()
@@ -228,6 +238,7 @@ void SimulatedEngine::run()
 
     std::unique_lock<std::mutex> lock(m_mutex);
     while (!m_stopping) {
+        const bool churnAsked = std::exchange(m_churnAsked, false);
         lock.unlock();
         const Clock::time_point now = Clock::now();
         if (now >= nextEvent && m_options.eventsTotal > 0 && !countedEventDue(now)) {
@@ -250,6 +261,8 @@ void SimulatedEngine::run()
             m_attributes.publishValues();
             nextValues = now + valuePeriod;
         }
+        if (churnAsked)
+            churnModule();
         if (now >= nextChurn) {
             churnModule();
             nextChurn = now + churnPeriod;
@@ -271,6 +284,6 @@ void SimulatedEngine::run()
         const Clock::time_point wakeAt = std::min({nextEvent, nextBattery, nextValues, nextChurn, nextLock, nextReannouncement,
                                                      now + std::chrono::milliseconds(100)});
         lock.lock();
-        m_wake.wait_until(lock, wakeAt, [this] { return m_stopping; });
+        m_wake.wait_until(lock, wakeAt, [this] { return m_stopping || m_churnAsked; });
     }
 }

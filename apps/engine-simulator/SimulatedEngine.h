@@ -42,6 +42,8 @@ public:
     void start();
     /// Stops publishing, unbinds and announces the end of every module, unbinds the manager.
     void stop();
+    /// The highest module goes or comes back now, as on a --module-churn period.
+    void churnModuleNow();
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -78,6 +80,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_wake;
     bool m_stopping = false;
+    bool m_churnAsked = false;
     std::thread m_worker;
 };
 

@@ -260,7 +260,8 @@ std::string SimulatorOptions::usage()
             "battery readings, mains power and module announcements over DDS (domain from\n"
             "ORVANTH_DDS_DOMAIN). The naming service comes from -ORBInitRef or the ORBInitRef\n"
             "environment variable, or is the instrument's when ORVANTH_INSTRUMENT_HOST names it.\n"
-            "Prints READY when serving; stops on SIGTERM, SIGINT or SIGHUP.\n"
+            "Prints READY when serving; stops on SIGTERM, SIGINT or SIGHUP. SIGUSR1 makes the\n"
+            "highest module go or come back at once, as a --module-churn period does.\n"
             "\n"
             "Options:\n";
     for (const OptionEntry& entry : optionTable()) {

@@ -8,12 +8,14 @@
 #include "StopSignals.h"
 #include "ORB_base.h"
 
+#include <csignal>
 #include <iostream>
 #include <memory>
 
 int main(int argc, char* argv[])
 {
-    const Orvanth::StopSignals stopSignals;
+    // SIGUSR1: the highest module goes or comes back at once.
+    const Orvanth::StopSignals stopSignals({SIGUSR1});
 
     SimulatorOptions options;
     std::string error;
@@ -47,7 +49,8 @@ int main(int argc, char* argv[])
         }
         if (status == 0) {
             std::cout << "READY" << std::endl;
-            stopSignals.wait();
+            while (!Orvanth::StopSignals::isStop(stopSignals.wait()))
+                engine->churnModuleNow();
             std::cout << "STOPPING" << std::endl;
             engine->stop();
         }

@@ -95,6 +95,8 @@ public:
         return QTest::qWaitFor([&] { return count(line) >= times; }, timeoutMs);
     }
 
+    /// SIGUSR1: the highest module goes, or comes back, at once.
+    void churnModule() { ::kill(pid_t(m_simulator.pid()), SIGUSR1); }
     /// SIGKILL: the engine is gone without unbinding anything.
     void kill()
     {
