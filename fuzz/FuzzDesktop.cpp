@@ -121,6 +121,11 @@ ContainerImpl* FuzzDesktop::addContainer(const QString& name, int place)
     return container;
 }
 
+void FuzzDesktop::setPainting(bool painting)
+{
+    m_window->setUpdatesEnabled(painting);
+}
+
 void FuzzDesktop::settle()
 {
     QCoreApplication::sendPostedEvents();

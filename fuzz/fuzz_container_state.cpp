@@ -44,6 +44,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     FuzzDesktop& desktop = FuzzDesktop::instance();
+    desktop.setPainting(FuzzDesktop::paints(data, size));
     Lumaro::gui::GUIManagerImpl* servant = desktop.servant();
     FuzzedDataProvider input(data, size);
     for (int call = 0; call < 8 && input.remaining_bytes() > 0; ++call) {

@@ -54,6 +54,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     FuzzDesktop& desktop = FuzzDesktop::instance();
+    desktop.setPainting(FuzzDesktop::paints(data, size));
     // A CORBA string ends at its first NUL.
     const std::string text(reinterpret_cast<const char*>(data), size);
     desktop.servant()->RestoreState(text.c_str());
