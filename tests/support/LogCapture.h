@@ -19,7 +19,7 @@ public:
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    QStringList lines() const { return std::lock_guard<std::mutex>(m_mutex), m_lines; }
+    QStringList lines() const;
     /// The lines that contain \a text.
     QStringList linesContaining(const QString& text) const { return lines().filter(text); }
     bool contains(const QString& text) const { return !linesContaining(text).isEmpty(); }
