@@ -25,6 +25,10 @@
 #include <set>
 #include <utility>
 
+#if defined(__SANITIZE_THREAD__)
+#include <sanitizer/tsan_interface.h>
+#endif
+
 namespace {
 
 const char* const sourceFile = "Components/Source/View/Widgets/WidgetBaseImpl";
@@ -37,6 +41,25 @@ constexpr std::chrono::milliseconds LockSettleDelay{1000};
 // The GUI thread's time given to lock states in one turn of its event loop, in ms: half
 // a frame, so a burst never holds it much beyond one.
 constexpr qint64 LockSliceMs = 8;
+
+// QThreadPool hands a job to a pooled thread under a QMutex of its own, which the thread
+// sanitizer does not see (Qt is not built with it): without these it takes the job, and
+// everything done before it was queued, for a race with the thread that runs it.
+char poolHandOff;
+
+void beforePoolStart()
+{
+#if defined(__SANITIZE_THREAD__)
+    __tsan_release(&poolHandOff);
+#endif
+}
+
+void atPoolStart()
+{
+#if defined(__SANITIZE_THREAD__)
+    __tsan_acquire(&poolHandOff);
+#endif
+}
 
 Orvanth::LockerID currentLockerID()
 {
@@ -237,8 +260,14 @@ public:
             start = !m_draining;
             m_draining = true;
         }
-        if (start)
-            QThreadPool::globalInstance()->start([self = shared_from_this()] { self->drain(); });
+        if (!start)
+            return;
+        std::function<void()> run = [self = shared_from_this()] {
+            atPoolStart();
+            self->drain();
+        };
+        beforePoolStart();
+        QThreadPool::globalInstance()->start(std::move(run));
     }
 
     /// A lock notice: asks MayAccess again, once for any number of notices that come
