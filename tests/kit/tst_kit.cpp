@@ -91,15 +91,15 @@ void TestKit::feedAndTouchesDriveTheWidget_data()
     const auto row = [](const char* name, bool button, const char* events, const char* shown) {
         QTest::newRow(name) << button << QString(events) << QString(shown);
     };
-    row("lock notices", false, "bound-locked free locked free", "bound overlay padlock|-|overlay padlock locked|-");
+    row("lock notices", false, "bound-locked free locked free", "bound overlay padlock locked|-|overlay padlock locked|-");
     // The button's badge, not the padlock, shows the lock.
-    row("lock notices on a button", true, "bound-locked free locked", "bound overlay badge|-|overlay badge locked");
+    row("lock notices on a button", true, "bound-locked free locked", "bound overlay badge locked|-|overlay badge locked");
     row("lock taken for an entry", false, "bound taken", "bound|locked entry");
     row("lock refused", false, "locked refused", "overlay padlock locked|overlay padlock");
     // One message per loss however many calls fail; input refused until the engine is back.
     row("engine lost", false, "bound lost lost touch bound lost", "bound|lost posted|lost|lost|bound|lost posted");
-    row("engine lost while locked", false, "bound-locked lost", "bound overlay padlock|lost posted");
-    row("engine lost under a button", true, "bound-locked lost press", "bound overlay badge|lost posted|lost");
+    row("engine lost while locked", false, "bound-locked lost", "bound overlay padlock locked|lost posted");
+    row("engine lost under a button", true, "bound-locked lost press", "bound overlay badge locked|lost posted|lost");
     row("attribute missing", false, "missing", "unbound");
     row("touches of an unbound widget", false, "outside ctrl-touch ctrl-touch touch", "-|quiet|-|entry");
     row("presses of an unbound button", true, "press other-entry press", "pressed|-|pressed");

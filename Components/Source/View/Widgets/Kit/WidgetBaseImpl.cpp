@@ -131,6 +131,7 @@ void WidgetBaseImpl::finishBinding(bool bound, bool locked)
             qDebug() << "UserInterface - Engine back for" << m_attributeName << "@"
                      << GlobalImpl::getParentWindowName(this);
         m_lastValue = QDateTime::currentDateTime();
+        m_locked = locked;
         setAttributeState(locked ? Locked : Free);
         setWidgetLocked(locked);
     } else {
