@@ -26,7 +26,7 @@
 namespace {
 
 const QString action = QStringLiteral("RUNACTION1");
-constexpr qint64 longestGapMs = 100;
+constexpr qint64 longestGapMs = 100 * TZ_TEST_SLOWDOWN;
 constexpr int recoveryMs = 15000;
 
 // The longest wait of a 10 ms GUI-thread timer, less the time the thread waited for a
