@@ -19,16 +19,6 @@ LogCapture::~LogCapture()
     s_current = nullptr;
 }
 
-QStringList LogCapture::lines() const
-{
-    std::lock_guard<std::mutex> locker(m_mutex);
-    // Shared with m_lines, the copy would be released here while the handler grows m_lines
-    // on another thread, ordered by Qt's reference count alone, which sanitizers miss.
-    QStringList copy = m_lines;
-    copy.detach();
-    return copy;
-}
-
 void LogCapture::clear()
 {
     std::lock_guard<std::mutex> locker(m_mutex);

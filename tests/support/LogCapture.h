@@ -19,7 +19,9 @@ public:
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    QStringList lines() const;
+    // A copy of its own: one shared with m_lines would be released while the handler grows
+    // m_lines on another thread, ordered by Qt's reference count alone, which sanitizers miss.
+    QStringList lines() const { return std::lock_guard<std::mutex>(m_mutex), QStringList(m_lines.begin(), m_lines.end()); }
     /// The lines that contain \a text.
     QStringList linesContaining(const QString& text) const { return lines().filter(text); }
     bool contains(const QString& text) const { return !linesContaining(text).isEmpty(); }

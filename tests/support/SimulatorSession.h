@@ -120,11 +120,7 @@ public:
             });
         }, 5000);
     }
-    void resume()
-    {
-        if (std::exchange(m_suspended, false))
-            ::kill(pid_t(m_simulator.pid()), SIGCONT);
-    }
+    void resume() { std::exchange(m_suspended, false) && ::kill(pid_t(m_simulator.pid()), SIGCONT); }
 
 private:
     ChildProcess m_simulator;

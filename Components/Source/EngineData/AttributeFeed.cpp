@@ -45,21 +45,14 @@ constexpr qint64 LockSliceMs = 8;
 // QThreadPool hands a job to a pooled thread under a QMutex of its own, which the thread
 // sanitizer does not see (Qt is not built with it): without these it takes the job, and
 // everything done before it was queued, for a race with the thread that runs it.
+#if defined(__SANITIZE_THREAD__)
 char poolHandOff;
-
-void beforePoolStart()
-{
-#if defined(__SANITIZE_THREAD__)
-    __tsan_release(&poolHandOff);
+void beforePoolStart() { __tsan_release(&poolHandOff); }
+void atPoolStart() { __tsan_acquire(&poolHandOff); }
+#else
+void beforePoolStart() {}
+void atPoolStart() {}
 #endif
-}
-
-void atPoolStart()
-{
-#if defined(__SANITIZE_THREAD__)
-    __tsan_acquire(&poolHandOff);
-#endif
-}
 
 Orvanth::LockerID currentLockerID()
 {
