@@ -24,7 +24,7 @@ namespace gui {
 
 namespace {
 
-const char sourceFile[] = "Components/Source/Controller/GUIManagerImpl";
+const char guiManagerSource[] = "Components/Source/Controller/GUIManagerImpl";
 
 // Without a desktop to measure, positions beyond this are off any screen.
 constexpr int maxCoordinate = 32767;
@@ -211,7 +211,7 @@ void GUIManagerImpl::waitForResponse()
         while (!m_responseReceived.load(std::memory_order_acquire) && !isShutDown())
             std::this_thread::sleep_until(std::chrono::steady_clock::now() + std::chrono::milliseconds(100));
     } catch (...) {
-        qDebug().noquote() << "UserInterface -" << sourceFile << "waitForResponse" << __LINE__;
+        qDebug().noquote() << "UserInterface -" << guiManagerSource << "waitForResponse" << __LINE__;
     }
 }
 
@@ -226,7 +226,7 @@ CORBA::Long GUIManagerImpl::DisplayAlert(const char* msg)
             waitForResponse();
         }
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "DisplayAlert", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "DisplayAlert", __LINE__);
     }
     return responseCode();
 }
@@ -247,7 +247,7 @@ CORBA::Long GUIManagerImpl::DisplayDialog(const char* title, const char* msg, co
             }
         }
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "DisplayDialog", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "DisplayDialog", __LINE__);
     }
     return responseCode();
 }
@@ -277,7 +277,7 @@ CORBA::Long GUIManagerImpl::DisplayDialogWithParams(const char* title, const cha
             }
         }
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "DisplayDialogWithParams", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "DisplayDialogWithParams", __LINE__);
     }
     return responseCode();
 }
@@ -299,7 +299,7 @@ CORBA::Long GUIManagerImpl::DisplayImage(const char* title, const char* msg, con
             }
         }
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "DisplayImage", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "DisplayImage", __LINE__);
     }
     return responseCode();
 }
@@ -324,7 +324,7 @@ CORBA::Long GUIManagerImpl::DisplayDataEntry(const char* title, const char* msg,
         }
         answer = CorbaText::toCorba(responseData());
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "DisplayDataEntry", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "DisplayDataEntry", __LINE__);
     }
     data = answer._retn();
     return responseCode();
@@ -338,7 +338,7 @@ void GUIManagerImpl::CloseDialog(const char* dialog)
             noteQueuedRequest();
         }
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "CloseDialog", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "CloseDialog", __LINE__);
     }
 }
 
@@ -350,7 +350,7 @@ void GUIManagerImpl::CloseAllDialogs()
             noteQueuedRequest();
         }
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "CloseAllDialogs", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "CloseAllDialogs", __LINE__);
     }
 }
 
@@ -385,7 +385,7 @@ CORBA::Boolean GUIManagerImpl::IsDialogActive(const char* dialog)
             return record->isOpen(incoming(dialog, "IsDialogActive"));
         emit isDialogActive(incoming(dialog, "IsDialogActive"));
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "IsDialogActive", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "IsDialogActive", __LINE__);
     }
     return responseCode() != 0;
 }
@@ -396,7 +396,7 @@ void GUIManagerImpl::OpenDCS()
         if (serving("OpenDCS"))
             emit showDCS();
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "OpenDCS", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "OpenDCS", __LINE__);
     }
 }
 
@@ -415,7 +415,7 @@ CORBA::Long GUIManagerImpl::DisplayFileSelectDialog(const char* title, const cha
         pathAnswer = CorbaText::toCorba(responsePath());
         filenameAnswer = CorbaText::toCorba(responseFilename());
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "DisplayFileSelectDialog", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "DisplayFileSelectDialog", __LINE__);
     }
     path = pathAnswer._retn();
     filename = filenameAnswer._retn();
@@ -434,7 +434,7 @@ StringSeq* GUIManagerImpl::GetScreenList()
                 list[CORBA::ULong(i)] = CorbaText::toCorba(names.at(i));
         }
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "GetScreenList", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "GetScreenList", __LINE__);
     }
     return list._retn();
 }
@@ -453,7 +453,7 @@ void GUIManagerImpl::ShowScreen(const char* screen)
         if (parts.size() >= 2)
             emit showScreenExtra(widget, parts.at(1));
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "ShowScreen", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "ShowScreen", __LINE__);
     }
 }
 
@@ -473,7 +473,7 @@ void GUIManagerImpl::HideScreen(const char* screen)
         else
             emit hideScreenExtra(widget, parts.at(1));
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "HideScreen", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "HideScreen", __LINE__);
     }
 }
 
@@ -497,7 +497,7 @@ void GUIManagerImpl::MoveScreen(const char* screen, CORBA::Long x, CORBA::Long y
         }
         emit moveScreen(widget, int(x), int(y));
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "MoveScreen", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "MoveScreen", __LINE__);
     }
 }
 
@@ -523,7 +523,7 @@ void GUIManagerImpl::ChangeSize(const char* screen, const char* size)
         }
         emit setScreenState(container, sizeName);
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "ChangeSize", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "ChangeSize", __LINE__);
     }
 }
 
@@ -548,7 +548,7 @@ void GUIManagerImpl::RestoreState(const char* data)
         else if (!called)
             qDebug() << "UserInterface - GUIManager - RestoreState - the \"ScreenStateManager\" module has no recall(QString)";
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "RestoreState", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "RestoreState", __LINE__);
     }
 }
 
@@ -572,7 +572,7 @@ char* GUIManagerImpl::SaveState()
                 qDebug() << "UserInterface - GUIManager - SaveState - the \"ScreenStateManager\" module has no store()";
         }
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "SaveState", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "SaveState", __LINE__);
     }
     return CorbaText::toCorba(layout);
 }
@@ -583,7 +583,7 @@ void GUIManagerImpl::SetMenuBarVisible(CORBA::Boolean visible)
         if (serving("SetMenuBarVisible"))
             emit showMenuBar(visible);
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "SetMenuBarVisible", __LINE__);
+        CorbaFailure::logException(guiManagerSource, "SetMenuBarVisible", __LINE__);
     }
 }
 

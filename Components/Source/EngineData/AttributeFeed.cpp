@@ -31,7 +31,7 @@
 
 namespace {
 
-const char* const sourceFile = "Components/Source/View/Widgets/WidgetBaseImpl";
+const char* const attributeFeedSource = "Components/Source/View/Widgets/WidgetBaseImpl";
 const char* const actionSourceFile = "Components/Source/View/Widgets/PushButtonImpl";
 // Where log readers have always found a failed narrowing of a pressed button.
 constexpr int narrowFailureLine = 202;
@@ -324,7 +324,7 @@ private:
             try {
                 job();
             } catch (...) {
-                CorbaFailure::logException(sourceFile, "engine call", __LINE__);
+                CorbaFailure::logException(attributeFeedSource, "engine call", __LINE__);
             }
         }
     }
@@ -355,7 +355,7 @@ private:
                 post([generation, reason](AttributeFeed* feed) { feed->lose(generation, reason); });
                 return;
             }
-            CorbaFailure::logException(sourceFile, "MayAccess", __LINE__);
+            CorbaFailure::logException(attributeFeedSource, "MayAccess", __LINE__);
             qDebug().noquote() << "UserInterface -" << CorbaFailure::describe(exception);
         }
     }
@@ -532,7 +532,7 @@ void AttributeFeed::bind(Orvanth::EngineReadingBase_ptr reading, int updateDelay
                 });
                 return;
             }
-            CorbaFailure::logException(sourceFile, "bindAttribute", __LINE__);
+            CorbaFailure::logException(attributeFeedSource, "bindAttribute", __LINE__);
             qDebug().noquote() << "UserInterface -" << CorbaFailure::describe(exception);
             link->post([generation](AttributeFeed* feed) { feed->finishBinding(generation, false, false); });
         }

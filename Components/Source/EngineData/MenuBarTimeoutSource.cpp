@@ -6,7 +6,7 @@
 
 namespace {
 
-const char* const sourceFile = "Components/Source/View/Widgets/MenuBar";
+const char* const menuBarTimeoutSource = "Components/Source/View/Widgets/MenuBar";
 
 } // namespace
 
@@ -29,7 +29,7 @@ MenuBarTimeoutSource::Read MenuBarTimeoutSource::fromEngines()
                 return std::nullopt;
             return int(timeout->Get());
         } catch (const CORBA::Exception& exception) {
-            CorbaFailure::logAtPosition(exception, sourceFile, __LINE__);
+            CorbaFailure::logAtPosition(exception, menuBarTimeoutSource, __LINE__);
         }
         return std::nullopt;
     };

@@ -14,7 +14,7 @@
 
 namespace {
 
-const char* const sourceFile = "Components/Source/View/Widgets/StatusBarImpl";
+const char* const refOscillatorSource = "Components/Source/View/Widgets/StatusBarImpl";
 
 } // namespace
 
@@ -69,9 +69,9 @@ void RefOscillatorFeed::search()
                 found.dataTopic = topic.in();
                 return found;
             } catch (const CORBA::Exception& exception) {
-                CorbaFailure::logAtPosition(exception, sourceFile, __LINE__);
+                CorbaFailure::logAtPosition(exception, refOscillatorSource, __LINE__);
             } catch (...) {
-                CorbaFailure::logException(sourceFile, "initialize", __LINE__);
+                CorbaFailure::logException(refOscillatorSource, "initialize", __LINE__);
             }
         }
         return Lookup();
@@ -107,9 +107,9 @@ void RefOscillatorFeed::set(CORBA::Long value)
             qDebug().noquote() << "UserInterface - StatusBar - the engine refused" << AttributeName << value << ":"
                                << CorbaFailure::info(refused);
         } catch (const CORBA::Exception& exception) {
-            CorbaFailure::logAtPosition(exception, sourceFile, __LINE__);
+            CorbaFailure::logAtPosition(exception, refOscillatorSource, __LINE__);
         } catch (...) {
-            CorbaFailure::logException(sourceFile, "setReferenceOscillator", __LINE__);
+            CorbaFailure::logException(refOscillatorSource, "setReferenceOscillator", __LINE__);
         }
     });
 }

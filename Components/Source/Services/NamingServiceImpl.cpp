@@ -16,7 +16,7 @@
 
 namespace {
 
-const char sourceFile[] = "Components/Source/Services/NamingServiceImpl";
+const char namingServiceSource[] = "Components/Source/Services/NamingServiceImpl";
 
 // A broadcast may carry anything; a log line shows at most this much of it.
 constexpr std::size_t ShownBytes = 64;
@@ -382,7 +382,7 @@ QList<Orvanth::EngineReadingBase_var> NamingServiceImpl::findAttribute(const QSt
         } catch (const std::exception& exception) {
             qDebug().noquote() << "UserInterface -" << exception.what();
         } catch (...) {
-            qDebug() << "UserInterface - need to separate catch-all:" << sourceFile << "findAttribute" << __LINE__;
+            qDebug() << "UserInterface - need to separate catch-all:" << namingServiceSource << "findAttribute" << __LINE__;
         }
         qDebug() << "UserInterface - Exception finding attribute:" << name;
         qDebug() << "UserInterface - Offending engine #:" << module.first;
@@ -448,7 +448,7 @@ void NamingServiceImpl::dds_callback(const char* topic, std::string payload)
         emit destroy(idx);
     } catch (...) {
         // Nothing may escape into the DDS layer's thread.
-        CorbaFailure::logException(sourceFile, "dds_callback", __LINE__);
+        CorbaFailure::logException(namingServiceSource, "dds_callback", __LINE__);
     }
 }
 

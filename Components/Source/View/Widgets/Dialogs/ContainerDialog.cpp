@@ -16,7 +16,7 @@
 
 namespace {
 
-const char sourceFile[] = "Components/Source/View/Widgets/ContainerDialog";
+const char containerDialogSource[] = "Components/Source/View/Widgets/ContainerDialog";
 
 QString dialogRules()
 {
@@ -105,7 +105,7 @@ int ContainerDialog::exec(bool)
         m_loop = nullptr;
         hide();
     } catch (...) {
-        CorbaFailure::logException(sourceFile, "exec", __LINE__);
+        CorbaFailure::logException(containerDialogSource, "exec", __LINE__);
     }
     return m_resultCode;
 }

@@ -44,7 +44,7 @@ QBoxLayout* tightLayout(QBoxLayout* layout)
     return layout;
 }
 
-const char* const sourceFile = "Components/Source/View/Widgets/MenuBar";
+const char* const menuBarSource = "Components/Source/View/Widgets/MenuBar";
 
 } // namespace
 
@@ -324,7 +324,7 @@ void MenuBar::readTimeout()
         } catch (const std::exception& exception) {
             qDebug() << "UserInterface - Reading the menu bar time-out failed:" << exception.what();
         } catch (...) {
-            CorbaFailure::logException(sourceFile, "startTimer", __LINE__);
+            CorbaFailure::logException(menuBarSource, "startTimer", __LINE__);
         }
         return std::nullopt;
     }));

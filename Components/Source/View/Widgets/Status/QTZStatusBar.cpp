@@ -8,6 +8,7 @@
 #include "QTZLowBatteryAlert.h" // completes the alert type QTZBatteryStatus.h points to
 #include "QTZMsgLogger.h"
 #include "SpeechBubbleImpl.h"
+#include "StatusBarParts.h"
 #include "StatusMessages.h"
 
 #include <QDebug>
@@ -31,24 +32,10 @@ bool isWideScreen()
     return size == ApplicationOptions::ScreenSize::Landscape || size == ApplicationOptions::ScreenSize::SmallPortrait;
 }
 
-QHBoxLayout* rowLayout(QWidget* owner, int spacing)
-{
-    auto* layout = new QHBoxLayout(owner);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(spacing);
-    return layout;
-}
-
-QPushButton* iconButton(const QString& objectName, QWidget* parent)
-{
-    auto* button = new QPushButton(parent);
-    button->setObjectName(objectName);
-    button->setFixedWidth(30);
-    button->setFocusPolicy(Qt::NoFocus);
-    return button;
-}
-
 } // namespace
+
+using StatusBarParts::iconButton;
+using StatusBarParts::rowLayout;
 
 QTZStatusBar::QTZStatusBar(QWidget* parent)
     : QFrame(parent)

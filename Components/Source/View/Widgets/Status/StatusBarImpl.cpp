@@ -8,6 +8,7 @@
 #include "RefOscillatorFeed.h"
 #include "GlobalImpl.h"
 #include "LowBatteryAlert.h"
+#include "StatusBarParts.h"
 #include "StatusMessages.h"
 #include "SystemModule.h"
 
@@ -35,23 +36,6 @@ const QString LowBattery = QStringLiteral("LowBattery");
 // Levels in percent: at most FullLevel is not full on mains power; at most LowLevel is low.
 constexpr int FullLevel = 95;
 constexpr int LowLevel = 15;
-
-QHBoxLayout* rowLayout(QWidget* owner, int spacing)
-{
-    auto* layout = new QHBoxLayout(owner);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(spacing);
-    return layout;
-}
-
-QPushButton* iconButton(const QString& objectName, QWidget* parent)
-{
-    auto* button = new QPushButton(parent);
-    button->setObjectName(objectName);
-    button->setFixedWidth(30);
-    button->setFocusPolicy(Qt::NoFocus);
-    return button;
-}
 
 QString refOscillatorSheet()
 {
@@ -98,6 +82,9 @@ QString levelText(int level)
 }
 
 } // namespace
+
+using StatusBarParts::iconButton;
+using StatusBarParts::rowLayout;
 
 StatusBarImpl::StatusBarImpl(QWidget* parent)
     : QFrame(parent)
