@@ -19,13 +19,17 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFrame>
+#include <QPushButton>
 #include <QStringList>
+#include <QVBoxLayout>
 #include <QVector>
 #include <QWidget>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 #include <ctime>
 
 namespace {
@@ -62,6 +66,43 @@ struct Build
     int subMenus = 0;
     int subSubMenus = 0;
 };
+
+// The raw baseline: the same number of plain buttons, each with its text and height, put
+// into the list of a hidden frame on the same desktop, and then deleted one by one.
+Build plainButtonsOnce(int count)
+{
+    QWidget desktop;
+    desktop.resize(1280, 800);
+    desktop.show();
+    auto* list = new QFrame(&desktop);
+    list->hide();
+    auto* layout = new QVBoxLayout(list);
+    QCoreApplication::processEvents();
+
+    QElapsedTimer timer;
+    timer.start();
+    const double cpuStart = threadCpuMilliseconds();
+    QVector<QPushButton*> buttons;
+    buttons.reserve(count);
+    for (int index = 0; index < count; ++index) {
+        auto* button = new QPushButton(QStringLiteral("Screen %1").arg(index), list);
+        button->setFixedHeight(50);
+        layout->addWidget(button);
+        buttons.append(button);
+    }
+    processEverything();
+    Build build;
+    build.buildMilliseconds = timer.nsecsElapsed() / 1e6;
+    build.cpuMilliseconds = threadCpuMilliseconds() - cpuStart;
+
+    timer.restart();
+    const double teardownCpuStart = threadCpuMilliseconds();
+    qDeleteAll(buttons);
+    processEverything();
+    build.teardownMilliseconds = timer.nsecsElapsed() / 1e6;
+    build.teardownCpuMilliseconds = threadCpuMilliseconds() - teardownCpuStart;
+    return build;
+}
 
 Build buildOnce(int screens, Shape shape)
 {
@@ -109,7 +150,19 @@ Build buildOnce(int screens, Shape shape)
     return build;
 }
 
-void run(Shape shape, int repetitions, BenchReport& report)
+// The build and the teardown of median CPU time of \a builds, in that order.
+std::pair<Build, Build> medians(QVector<Build> builds)
+{
+    std::sort(builds.begin(), builds.end(),
+              [](const Build& a, const Build& b) { return a.cpuMilliseconds < b.cpuMilliseconds; });
+    const Build build = builds[builds.size() / 2];
+    std::sort(builds.begin(), builds.end(), [](const Build& a, const Build& b) {
+        return a.teardownCpuMilliseconds < b.teardownCpuMilliseconds;
+    });
+    return {build, builds[builds.size() / 2]};
+}
+
+void run(Shape shape, int repetitions, const Build& plain, BenchReport& report)
 {
     std::printf("\n%s\n", shape == Shape::Categories ? "16 categories x 8 sub-menu names" : "one flat sub-menu");
     std::printf("  %7s | %9s %9s %11s | %7s %12s | %4s %4s %5s | %8s\n", "screens", "cpu", "elapsed", "cpu/screen",
@@ -120,9 +173,7 @@ void run(Shape shape, int repetitions, BenchReport& report)
         QVector<Build> builds;
         for (int r = 0; r < repetitions; ++r)
             builds.append(buildOnce(screens, shape));
-        std::sort(builds.begin(), builds.end(),
-                  [](const Build& a, const Build& b) { return a.cpuMilliseconds < b.cpuMilliseconds; });
-        const Build& median = builds[builds.size() / 2];
+        const auto [median, teardown] = medians(builds);
         QString growth = QStringLiteral("-");
         QString expected = QStringLiteral("-");
         if (previousScreens > 0) {
@@ -134,15 +185,18 @@ void run(Shape shape, int repetitions, BenchReport& report)
         std::printf("  %7d | %6.1f ms %6.1f ms %8.1f us | %7s %12s | %4d %4d %5d | %5.1f ms\n", screens,
                     median.cpuMilliseconds, median.buildMilliseconds, median.cpuMilliseconds * 1000 / screens,
                     qPrintable(growth), qPrintable(expected), median.barButtons, median.subMenus,
-                    median.subSubMenus, median.teardownMilliseconds);
+                    median.subSubMenus, teardown.teardownMilliseconds);
         previous = median.cpuMilliseconds;
         previousScreens = screens;
         if (screens == 5000) {
             const std::string what = shape == Shape::Categories ? "menus of 5000 screens" : "flat sub-menu of 5000";
-            report.atMost(what + ": build, GUI-thread CPU", median.cpuMilliseconds, "ms", 100);
+            const std::string plainName = "5000 plain buttons in a list";
+            report.atMost(what + ": build, GUI-thread CPU", median.cpuMilliseconds, "ms", 100, plainName,
+                          plain.cpuMilliseconds);
             report.info(what + ": build, elapsed", median.buildMilliseconds, "ms");
-            report.atMost(what + ": teardown, GUI-thread CPU", median.teardownCpuMilliseconds, "ms", 100);
-            report.info(what + ": teardown, elapsed", median.teardownMilliseconds, "ms");
+            report.atMost(what + ": teardown, GUI-thread CPU", teardown.teardownCpuMilliseconds, "ms", 100, plainName,
+                          plain.teardownCpuMilliseconds);
+            report.info(what + ": teardown, elapsed", teardown.teardownMilliseconds, "ms");
         }
     }
 }
@@ -160,8 +214,16 @@ int main(int argc, char** argv)
     GlobalImpl::getInstance();
 
     std::printf("building the navigation bar on a 1280x800 benchtop desktop, median of %d builds", repetitions);
-    run(Shape::Categories, repetitions, report);
-    run(Shape::OneMenu, repetitions, report);
+    QVector<Build> plainBuilds;
+    for (int r = 0; r < repetitions; ++r)
+        plainBuilds.append(plainButtonsOnce(5000));
+    const auto [plain, plainTeardown] = medians(plainBuilds);
+    Build baseline = plain;
+    baseline.teardownCpuMilliseconds = plainTeardown.teardownCpuMilliseconds;
+    std::printf("\n5000 plain buttons in a list: build %.1f ms CPU, teardown %.1f ms CPU\n", baseline.cpuMilliseconds,
+                baseline.teardownCpuMilliseconds);
+    run(Shape::Categories, repetitions, baseline, report);
+    run(Shape::OneMenu, repetitions, baseline, report);
     std::printf("\n");
     return 0;
 }

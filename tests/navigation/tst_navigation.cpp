@@ -625,6 +625,26 @@ private slots:
         QVERIFY(desk.bar->menuButton("Meters")->isHidden());
     }
 
+    void screensClosedTogetherLeaveTheirListAtOnce()
+    {
+        Desk desk;
+        for (const QString label : {"Voltage", "Current", "Power"})
+            desk.add("Meters", QString(), label);
+        settle();
+        const SubMenu* sub = desk.bar->getSubMenus().value("Meters");
+        QVERIFY(sub);
+        delete desk.screenNamed("Voltage");
+        delete desk.screenNamed("Current");
+        // Before any event: the entries still wait for their deletion, yet the list and
+        // the bar count them no more.
+        QCOMPARE(sub->buttons().size(), 1);
+        QCOMPARE(sub->buttons().first()->text(), QString("Power"));
+        delete desk.screenNamed("Power");
+        QVERIFY(!sub->hasShownEntry());
+        settle();
+        QCOMPARE(desk.shape(), QString());
+    }
+
     void refusesBadInput()
     {
         Desk desk;

@@ -30,6 +30,18 @@ QHash<QString, PopUp*> livePopUps(const QHash<QString, QPointer<PopUp>>& table)
     return result;
 }
 
+// Qt 5's QHash shrinks as it empties. Each shrink of a table of thousands frees its
+// buckets at once, and a free that large makes malloc sweep every small block the
+// deleted entries left behind. A table that keeps the largest size it reached (a few
+// kilobytes for thousands of screens) never shrinks.
+template <class Key, class Value>
+void keepLargestSize(QHash<Key, Value>& table)
+{
+    const int size = table.size();
+    if (size >= 64 && (size & (size - 1)) == 0)
+        table.reserve(size);
+}
+
 } // namespace
 
 MenuBuilder::MenuBuilder(MenuBar* bar, ScrollableMenuBarFrame* row, QBoxLayout* rowLayout)
@@ -356,8 +368,12 @@ void MenuBuilder::recordEntry(QPushButton* entry, const QString& menu, const QSt
     itemMenuName.insert(entry, menu);
     itemSubMenuName.insert(entry, subMenu);
     buttonScreens.insert(entry, screen);
+    keepLargestSize(itemMenuName);
+    keepLargestSize(itemSubMenuName);
+    keepLargestSize(buttonScreens);
     if (screen) {
         screenEntries.insert(screen, entry);
+        keepLargestSize(screenEntries);
         connect(screen, &QObject::destroyed, this, &MenuBuilder::screenDestroyed, Qt::UniqueConnection);
     }
 }

@@ -38,7 +38,7 @@ bool SubMenuBase::hasShownEntry() const
 {
     for (int index = 0; itemLayout && index < itemLayout->count(); ++index) {
         const auto* entry = qobject_cast<const QPushButton*>(itemLayout->itemAt(index)->widget());
-        if (entry && !isHiddenEntry(entry))
+        if (entry && !isHiddenEntry(entry) && !leaving.contains(entry))
             return true;
     }
     return false;
@@ -97,6 +97,7 @@ void SubMenuBase::adoptEntry(QWidget* entry)
 
 void SubMenuBase::removeMenuItem(QWidget* entry)
 {
+    leaving.remove(entry);
     if (!entry || itemLayout->indexOf(entry) < 0)
         return;
     itemLayout->removeWidget(entry);
@@ -106,6 +107,8 @@ void SubMenuBase::removeMenuItem(QWidget* entry)
 
 void SubMenuBase::insertEntry(int index, QWidget* entry)
 {
+    // A new entry may stand where one that left did, at the same address.
+    leaving.remove(entry);
     itemLayout->insertWidget(index, entry);
     entry->installEventFilter(this);
     // A closed pop-up shows its entries when it opens; showing each now would style
@@ -127,24 +130,45 @@ bool SubMenuBase::eventFilter(QObject* watched, QEvent* event)
 
 void SubMenuBase::forgetEntry(const QObject* entry)
 {
+    leaving.remove(entry);
     takeFromList(itemLayout, entry);
 }
 
 void SubMenuBase::entryLeaving(QObject* entry)
 {
-    if (!entry || !takeFromList(itemLayout, entry))
+    if (!entry || !itemLayout)
         return;
-    ++leavingEntries;
-    connect(entry, &QObject::destroyed, this, [this] {
-        if (--leavingEntries == 0 && disposed)
-            deleteLater();
-    });
+    // Searching the layout for each of thousands of leaving entries would be quadratic.
+    leaving.insert(entry);
+    if (leaving.size() == 1)
+        QMetaObject::invokeMethod(this, &SubMenuBase::sweepLeaving, Qt::QueuedConnection);
+}
+
+void SubMenuBase::sweepLeaving()
+{
+    if (leaving.isEmpty())
+        return;
+    // From the end, so that each take moves only what stays behind it.
+    for (int index = itemLayout->count() - 1; index >= 0; --index) {
+        QWidget* entry = itemLayout->itemAt(index)->widget();
+        if (!entry || !leaving.contains(entry))
+            continue;
+        delete itemLayout->takeAt(index);
+        ++leavingEntries;
+        connect(entry, &QObject::destroyed, this, [this] {
+            if (--leavingEntries == 0 && disposed)
+                deleteLater();
+        });
+    }
+    // Entries already gone left the layout with their deletion.
+    leaving.clear();
 }
 
 void SubMenuBase::dispose()
 {
     hide();
     disposed = true;
+    sweepLeaving();
     // A child still waiting for its queued deletion makes Qt search the whole event
     // queue as it dies with its parent: with thousands of entries going at once (their
     // screens closed together) that is quadratic, so the pop-up goes after them.

@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QPropertyAnimation>
 #include <QPushButton>
+#include <QSet>
 #include <QVBoxLayout>
 
 /**
@@ -41,7 +42,9 @@ public:
     /// Drops \a entry from the list without touching it: it may be on its way out.
     void forgetEntry(const QObject* entry);
     /// Drops \a entry, whose deletion is queued, from the list; the pop-up outlives it
-    /// when disposed of meanwhile.
+    /// when disposed of meanwhile. The list shows it no more at once; its place in the
+    /// layout goes once control is back in the event loop, in one pass for all entries
+    /// that left meanwhile (thousands leave together when their screens close).
     void entryLeaving(QObject* entry);
     /// Hides the pop-up and deletes it later, once the entries still leaving it are gone.
     void dispose();
@@ -87,7 +90,13 @@ protected:
     int duration = 500;
 
 private:
+    /// Takes the entries that left out of the layout, in one pass.
+    void sweepLeaving();
+
     bool fitQueued = false;
+    // Entries that left, still in the layout until the next sweep; only compared, never
+    // followed (one may be deleted meanwhile).
+    QSet<const QObject*> leaving;
     // Entries dropped from the list whose queued deletion is still to come.
     int leavingEntries = 0;
     bool disposed = false;
@@ -100,7 +109,8 @@ QList<Entry*> SubMenuBase::entries() const
     if (!itemLayout)
         return result;
     for (int index = 0; index < itemLayout->count(); ++index) {
-        if (auto* entry = qobject_cast<Entry*>(itemLayout->itemAt(index)->widget()))
+        auto* entry = qobject_cast<Entry*>(itemLayout->itemAt(index)->widget());
+        if (entry && !leaving.contains(entry))
             result.append(entry);
     }
     return result;
