@@ -38,9 +38,9 @@ constexpr int narrowFailureLine = 202;
 
 // How long after binding the lock state is asked once more.
 constexpr std::chrono::milliseconds LockSettleDelay{1000};
-// The GUI thread's time given to lock states in one turn of its event loop, in ms: half
-// a frame, so a burst never holds it much beyond one.
-constexpr qint64 LockSliceMs = 8;
+// The GUI thread's time given to lock states in one turn of its event loop, in ms: a
+// quarter of a frame, so that the slice and the repaint of what it changed fit in one.
+constexpr qint64 LockSliceMs = 4;
 
 // QThreadPool hands a job to a pooled thread under a QMutex of its own, which the thread
 // sanitizer does not see (Qt is not built with it): without these it takes the job, and
