@@ -67,6 +67,19 @@ struct Build
     int subSubMenus = 0;
 };
 
+// Deletes \a widgets and runs what that leaves queued, and times both into \a build.
+template <class Widget>
+void tearDown(const QVector<Widget*>& widgets, Build& build)
+{
+    QElapsedTimer timer;
+    timer.start();
+    const double cpuStart = threadCpuMilliseconds();
+    qDeleteAll(widgets);
+    processEverything();
+    build.teardownMilliseconds = timer.nsecsElapsed() / 1e6;
+    build.teardownCpuMilliseconds = threadCpuMilliseconds() - cpuStart;
+}
+
 // The raw baseline: the same number of plain buttons, each with its text and height, put
 // into the list of a hidden frame on the same desktop, and then deleted one by one.
 Build plainButtonsOnce(int count)
@@ -95,12 +108,7 @@ Build plainButtonsOnce(int count)
     build.buildMilliseconds = timer.nsecsElapsed() / 1e6;
     build.cpuMilliseconds = threadCpuMilliseconds() - cpuStart;
 
-    timer.restart();
-    const double teardownCpuStart = threadCpuMilliseconds();
-    qDeleteAll(buttons);
-    processEverything();
-    build.teardownMilliseconds = timer.nsecsElapsed() / 1e6;
-    build.teardownCpuMilliseconds = threadCpuMilliseconds() - teardownCpuStart;
+    tearDown(buttons, build);
     return build;
 }
 
@@ -140,12 +148,7 @@ Build buildOnce(int screens, Shape shape)
         build.barButtons += bar->menuButton(menu) ? 1 : 0;
 
     // Every screen goes, and with it its entry; the menus collapse as they empty.
-    timer.restart();
-    const double teardownCpuStart = threadCpuMilliseconds();
-    qDeleteAll(frames);
-    processEverything();
-    build.teardownMilliseconds = timer.nsecsElapsed() / 1e6;
-    build.teardownCpuMilliseconds = threadCpuMilliseconds() - teardownCpuStart;
+    tearDown(frames, build);
     GlobalImpl::getInstance()->setTopNavMenu(nullptr);
     return build;
 }
