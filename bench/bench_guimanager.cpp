@@ -99,30 +99,33 @@ int main(int argc, char* argv[])
     }
 
     BenchReport report("guimanager", argc, argv);
-    // Every process of the run on one CPU: a wake-up across two virtual CPUs costs about
-    // 110 us each way here, and whether a server's thread lands beside the caller's is
-    // the scheduler's choice, so the null call and the service's calls would otherwise
-    // be timed under different conditions. The servers inherit the mask.
-    const bool spread = std::find(argv + 1, argv + argc, std::string("--any-cpu")) != argv + argc;
-    if (!spread) {
-        cpu_set_t one;
-        CPU_ZERO(&one);
-        CPU_SET(sched_getcpu() < 0 ? 0 : sched_getcpu(), &one);
-        sched_setaffinity(0, sizeof(one), &one);
-    }
     QCoreApplication application(argc, argv);
     int calls = 2000;
     QString host = QStringLiteral(TZ_DEMO_HOST);
+    bool anyCpu = false;
     const QStringList arguments = application.arguments();
     for (int i = 1; i < arguments.size(); ++i) {
         if (arguments[i] == QLatin1String("--calls") && i + 1 < arguments.size())
             calls = std::max(callsPerRound, arguments[++i].toInt());
         else if (arguments[i] == QLatin1String("--host") && i + 1 < arguments.size())
             host = arguments[++i];
-        else if (arguments[i] != QLatin1String("--any-cpu")) {
+        else if (arguments[i] == QLatin1String("--any-cpu"))
+            anyCpu = true;
+        else {
             std::fprintf(stderr, "usage: tz-bench-guimanager [--calls N] [--host PROGRAM] [--any-cpu]\n");
             return 2;
         }
+    }
+    // Every process of the run on one CPU: a wake-up across two virtual CPUs costs about
+    // 110 us each way here, and whether a server's thread lands beside the caller's is
+    // the scheduler's choice, so the null call and the service's calls would otherwise
+    // be timed under different conditions. Set before any thread or server starts, so
+    // that all inherit the mask.
+    if (!anyCpu) {
+        cpu_set_t one;
+        CPU_ZERO(&one);
+        CPU_SET(std::max(sched_getcpu(), 0), &one);
+        sched_setaffinity(0, sizeof(one), &one);
     }
 
     NamingServiceProcess namingService;

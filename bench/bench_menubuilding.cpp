@@ -29,7 +29,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <utility>
 #include <ctime>
 
 namespace {
@@ -153,16 +152,18 @@ Build buildOnce(int screens, Shape shape)
     return build;
 }
 
-// The build and the teardown of median CPU time of \a builds, in that order.
-std::pair<Build, Build> medians(QVector<Build> builds)
+// The build of median CPU time, with the teardown of median CPU time in place of its own.
+Build median(QVector<Build> builds)
 {
     std::sort(builds.begin(), builds.end(),
               [](const Build& a, const Build& b) { return a.cpuMilliseconds < b.cpuMilliseconds; });
-    const Build build = builds[builds.size() / 2];
+    Build result = builds[builds.size() / 2];
     std::sort(builds.begin(), builds.end(), [](const Build& a, const Build& b) {
         return a.teardownCpuMilliseconds < b.teardownCpuMilliseconds;
     });
-    return {build, builds[builds.size() / 2]};
+    result.teardownMilliseconds = builds[builds.size() / 2].teardownMilliseconds;
+    result.teardownCpuMilliseconds = builds[builds.size() / 2].teardownCpuMilliseconds;
+    return result;
 }
 
 void run(Shape shape, int repetitions, const Build& plain, BenchReport& report)
@@ -176,30 +177,30 @@ void run(Shape shape, int repetitions, const Build& plain, BenchReport& report)
         QVector<Build> builds;
         for (int r = 0; r < repetitions; ++r)
             builds.append(buildOnce(screens, shape));
-        const auto [median, teardown] = medians(builds);
+        const Build middle = median(builds);
         QString growth = QStringLiteral("-");
         QString expected = QStringLiteral("-");
         if (previousScreens > 0) {
-            growth = QString::number(median.cpuMilliseconds / previous, 'f', 1) + QLatin1Char('x');
+            growth = QString::number(middle.cpuMilliseconds / previous, 'f', 1) + QLatin1Char('x');
             const double nlogn =
                 (screens * std::log(double(screens))) / (previousScreens * std::log(double(previousScreens)));
             expected = QString::number(nlogn, 'f', 1) + QLatin1Char('x');
         }
         std::printf("  %7d | %6.1f ms %6.1f ms %8.1f us | %7s %12s | %4d %4d %5d | %5.1f ms\n", screens,
-                    median.cpuMilliseconds, median.buildMilliseconds, median.cpuMilliseconds * 1000 / screens,
-                    qPrintable(growth), qPrintable(expected), median.barButtons, median.subMenus,
-                    median.subSubMenus, teardown.teardownMilliseconds);
-        previous = median.cpuMilliseconds;
+                    middle.cpuMilliseconds, middle.buildMilliseconds, middle.cpuMilliseconds * 1000 / screens,
+                    qPrintable(growth), qPrintable(expected), middle.barButtons, middle.subMenus,
+                    middle.subSubMenus, middle.teardownMilliseconds);
+        previous = middle.cpuMilliseconds;
         previousScreens = screens;
         if (screens == 5000) {
             const std::string what = shape == Shape::Categories ? "menus of 5000 screens" : "flat sub-menu of 5000";
             const std::string plainName = "5000 plain buttons in a list";
-            report.atMost(what + ": build, GUI-thread CPU", median.cpuMilliseconds, "ms", 100, plainName,
+            report.atMost(what + ": build, GUI-thread CPU", middle.cpuMilliseconds, "ms", 100, plainName,
                           plain.cpuMilliseconds);
-            report.info(what + ": build, elapsed", median.buildMilliseconds, "ms");
-            report.atMost(what + ": teardown, GUI-thread CPU", teardown.teardownCpuMilliseconds, "ms", 100, plainName,
+            report.info(what + ": build, elapsed", middle.buildMilliseconds, "ms");
+            report.atMost(what + ": teardown, GUI-thread CPU", middle.teardownCpuMilliseconds, "ms", 100, plainName,
                           plain.teardownCpuMilliseconds);
-            report.info(what + ": teardown, elapsed", teardown.teardownMilliseconds, "ms");
+            report.info(what + ": teardown, elapsed", middle.teardownMilliseconds, "ms");
         }
     }
 }
@@ -220,9 +221,7 @@ int main(int argc, char** argv)
     QVector<Build> plainBuilds;
     for (int r = 0; r < repetitions; ++r)
         plainBuilds.append(plainButtonsOnce(5000));
-    const auto [plain, plainTeardown] = medians(plainBuilds);
-    Build baseline = plain;
-    baseline.teardownCpuMilliseconds = plainTeardown.teardownCpuMilliseconds;
+    const Build baseline = median(plainBuilds);
     std::printf("\n5000 plain buttons in a list: build %.1f ms CPU, teardown %.1f ms CPU\n", baseline.cpuMilliseconds,
                 baseline.teardownCpuMilliseconds);
     run(Shape::Categories, repetitions, baseline, report);
