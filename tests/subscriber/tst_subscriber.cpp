@@ -152,7 +152,7 @@ private slots:
                 writer.publish(longSamples(1).front());
         });
         const auto stop = qScopeGuard([&] { publishing = false, publisher.join(); });
-        for (int round = 0; round < 10; ++round) {
+        for (int round = 0; round < 5; ++round) {
             std::vector<SampleCollector<int>> logs(20);
             std::vector<std::unique_ptr<DDS_Subscriber<int>>> subscribers;
             for (SampleCollector<int>& log : logs)
