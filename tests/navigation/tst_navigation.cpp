@@ -4,6 +4,7 @@
 
 
 #include "ContainerBase.h"
+#include "FSContainer.h"
 #include "GlobalImpl.h"
 #include "MenuBar.h"
 #include "MenuItem.h"
@@ -392,14 +393,18 @@ private slots:
         Desk desk(QSize(1280, 800), Qt::AlignTop, {{"-systype", handheld ? "handheld" : "benchtop"}});
         if (inSubMenu)
             desk.add("Meters", QString(), "Power");
-        QPushButton* entry = desk.add("Meters", QString(), "Voltage");
+        // A full-screen container's own show() announces its size first.
+        auto* screen = new FSContainer(&desk.desktop);
+        screen->hide();
+        QPushButton* entry = desk.bar->addMenuItem("Meters", QString(), "Voltage", screen, 0, 0, nullptr, QString(), 0);
         desk.openBar();
         if (inSubMenu)
             QTest::mouseClick(desk.bar->menuButton("Meters"), Qt::LeftButton);
         QSignalSpy clicks(entry, &QPushButton::clicked);
         fingerDrag(entry, QPoint(10, 4), QPoint(10, 4) + travel);
         QCOMPARE(clicks.count(), opens ? 1 : 0);
-        QCOMPARE(desk.screenNamed("Voltage")->isVisible(), opens);
+        QCOMPARE(screen->isVisible(), opens);
+        QCOMPARE(entry->property("screenSize").toString(), QString(opens ? "Max" : ""));
         QCOMPARE(desk.bar->isOpen, !handheld);
     }
 
@@ -463,6 +468,14 @@ private slots:
         SubSubMenu* scope = desk.bar->getSubSubMenus().value("Analyzers|Scope");
         QTest::mouseClick(spectrum->getOwner(), Qt::LeftButton);
         QVERIFY(spectrum->isVisible() && spectrum->getConnector()->isVisible());
+        // Entries made while their pop-ups were closed look, once open, as buttons made there then.
+        for (QPushButton* entry : analyzerMenu->findChildren<QPushButton*>() + spectrum->findChildren<QPushButton*>()) {
+            QPushButton probe(entry->text(), entry->parentWidget());
+            probe.show();
+            QCOMPARE(entry->font(), probe.font());
+            QCOMPARE(entry->palette(), probe.palette());
+            QCOMPARE(QWidgetItem(entry).sizeHint().width(), QWidgetItem(&probe).sizeHint().width());
+        }
         // Beside its holder, joined by the connector.
         const QPoint corner = desk.onDesktop(spectrum->getOwner());
         const int right = corner.x() + spectrum->getOwner()->width();

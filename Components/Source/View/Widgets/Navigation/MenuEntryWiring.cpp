@@ -8,7 +8,10 @@
 
 #include <QCoreApplication>
 #include <QDebug>
+#include <QEvent>
 #include <QPushButton>
+
+#include <utility>
 
 namespace MenuEntryWiring {
 
@@ -23,12 +26,15 @@ void showOnClick(QPushButton* entry, QWidget* screen, bool raise)
 {
     if (!entry || !screen)
         return;
-    // By name on purpose: containers redeclare show() and raise() as slots of their own
-    // (a full-screen container announces its size before it shows), which only the
-    // meta-object call reaches through a plain widget pointer.
-    QObject::connect(entry, SIGNAL(clicked()), screen, SLOT(show()));
-    if (raise)
-        QObject::connect(entry, SIGNAL(clicked()), screen, SLOT(raise()));
+    // Called by name on purpose: containers redeclare show() and raise() as slots of
+    // their own (a full-screen container announces its size before it shows), which only
+    // the meta-object call reaches through a plain widget pointer. Looked up when tapped,
+    // not when wired: a menu of thousands wires thousands of entries.
+    QObject::connect(entry, &QPushButton::clicked, screen, [screen, raise] {
+        QMetaObject::invokeMethod(screen, "show");
+        if (raise)
+            QMetaObject::invokeMethod(screen, "raise");
+    });
 }
 
 void followScreenSize(QPushButton* entry, QWidget* screen)
@@ -85,6 +91,19 @@ QString entryText(const char* context, const QString& label, int instNum)
     if (instNum > 1)
         text += QLatin1Char(' ') + QString::number(instNum);
     return text;
+}
+
+bool holdStyleChange(const QWidget* entry, const QEvent* event, bool& owed)
+{
+    if (event->type() != QEvent::StyleChange || entry->testAttribute(Qt::WA_WState_Polished))
+        return false;
+    owed = true;
+    return true;
+}
+
+bool styleChangeDue(const QEvent* event, bool& owed)
+{
+    return event->type() == QEvent::Polish && std::exchange(owed, false);
 }
 
 } // namespace MenuEntryWiring

@@ -26,7 +26,7 @@ bool leftBar()
 
 SubMenuItem::SubMenuItem(SubMenu* menu, const QString& label, QFrame* screen, int position, QObject* receiver,
                          const QString& slot, int instNum)
-    : QPushButton(tr(label.toUtf8().constData()), menu ? menu->getContentFrame() : nullptr)
+    : QPushButton(tr(label.toUtf8().constData()))
     , label(label)
     , position(position)
     , receiver(receiver)
@@ -39,6 +39,9 @@ SubMenuItem::SubMenuItem(SubMenu* menu, const QString& label, QFrame* screen, in
     setObjectName(QStringLiteral("SubMenuItem"));
     setFocusPolicy(Qt::NoFocus);
     setFixedHeight(50);
+    // Made without a parent, so that the pop-up's sheet styles the entry when it shows.
+    if (contentFrame)
+        setParent(contentFrame);
 
     // Opening a screen in a window closes the sub-menu too.
     MenuEntryWiring::wirePopUpEntry(this, screen, menu, true);
@@ -182,6 +185,18 @@ void SubMenuItem::paintEvent(QPaintEvent* event)
         }
     }
     QPushButton::paintEvent(event);
+}
+
+bool SubMenuItem::event(QEvent* event)
+{
+    if (MenuEntryWiring::holdStyleChange(this, event, styleChangeOwed))
+        return QWidget::event(event);
+    const bool handled = QPushButton::event(event);
+    if (MenuEntryWiring::styleChangeDue(event, styleChangeOwed)) {
+        QEvent change(QEvent::StyleChange);
+        QPushButton::event(&change);
+    }
+    return handled;
 }
 
 void SubMenuItem::changeEvent(QEvent* event)

@@ -67,6 +67,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void changeEvent(QEvent* event) override;
+    bool event(QEvent* event) override;
 
 private slots:
     void toggledOn(bool on);
@@ -84,6 +85,7 @@ private:
     QPoint pressPoint;
     QPoint dragOffset;
     int instNum;
+    bool styleChangeOwed = false;
 };
 
 #endif

@@ -9,7 +9,7 @@
 
 SubSubMenuItem::SubSubMenuItem(SubSubMenu* menu, SubMenu* subMenu, const QString& label, QFrame* screen,
                                int position, QObject* receiver, const QString& slot, int instNum)
-    : QPushButton(tr(label.toUtf8().constData()), menu)
+    : QPushButton(tr(label.toUtf8().constData()))
     , label(label)
     , position(position)
     , receiver(receiver)
@@ -19,6 +19,9 @@ SubSubMenuItem::SubSubMenuItem(SubSubMenu* menu, SubMenu* subMenu, const QString
 {
     setObjectName(QStringLiteral("SubSubMenuItem"));
     setFocusPolicy(Qt::NoFocus);
+    // Made without a parent, so that the pop-up's sheet styles the entry when it shows.
+    if (menu)
+        setParent(menu);
     // A screen opened from the second level leaves the pop-ups open.
     MenuEntryWiring::wirePopUpEntry(this, screen, subMenu, false);
 }
@@ -32,6 +35,18 @@ void SubSubMenuItem::setText(const QString& text)
 void SubSubMenuItem::retranslate()
 {
     QPushButton::setText(MenuEntryWiring::entryText(staticMetaObject.className(), label, instNum));
+}
+
+bool SubSubMenuItem::event(QEvent* event)
+{
+    if (MenuEntryWiring::holdStyleChange(this, event, styleChangeOwed))
+        return QWidget::event(event);
+    const bool handled = QPushButton::event(event);
+    if (MenuEntryWiring::styleChangeDue(event, styleChangeOwed)) {
+        QEvent change(QEvent::StyleChange);
+        QPushButton::event(&change);
+    }
+    return handled;
 }
 
 void SubSubMenuItem::changeEvent(QEvent* event)

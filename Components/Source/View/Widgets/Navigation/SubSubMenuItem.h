@@ -41,6 +41,7 @@ public slots:
 
 protected:
     void changeEvent(QEvent* event) override;
+    bool event(QEvent* event) override;
 
 private:
     QString label;
@@ -49,6 +50,7 @@ private:
     QString slot;
     int instNum;
     QPointer<QFrame> screen;
+    bool styleChangeOwed = false;
 };
 
 #endif
