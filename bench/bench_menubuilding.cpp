@@ -8,12 +8,14 @@
 // busy machine the second is the steadier figure. Runs on the offscreen platform unless
 // QT_QPA_PLATFORM says otherwise.
 //
-//   tz-bench-menubuilding [repetitions] [--report FILE]
-//                                     (default 3; the build of median CPU time is reported)
+//   tz-bench-menubuilding [repetitions] [categories|flat] [--report FILE]
+//                                     (default 3; the build of median CPU time is reported;
+//                                     a shape named runs alone, for profiling)
 
 #include "ContainerBase.h"
 #include "GlobalImpl.h"
 #include "MenuBar.h"
+#include "SubMenu.h"
 
 #include "BenchReport.h"
 
@@ -68,7 +70,7 @@ struct Build
 
 // Deletes \a widgets and runs what that leaves queued, and times both into \a build.
 template <class Widget>
-void tearDown(const QVector<Widget*>& widgets, Build& build)
+Q_NEVER_INLINE void tearDown(const QVector<Widget*>& widgets, Build& build)
 {
     QElapsedTimer timer;
     timer.start();
@@ -79,14 +81,28 @@ void tearDown(const QVector<Widget*>& widgets, Build& build)
     build.teardownCpuMilliseconds = threadCpuMilliseconds() - cpuStart;
 }
 
-// The raw baseline: the same number of plain buttons, each with its text and height, put
-// into the list of a hidden frame on the same desktop, and then deleted one by one.
-Build plainButtonsOnce(int count)
+// Leaves hidden widgets unpolished, as a closed pop-up leaves its entries.
+class PolishLater : public QObject
 {
+public:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        return event->type() == QEvent::PolishRequest && !static_cast<QWidget*>(watched)->isVisible();
+    }
+};
+
+// The raw baseline: the same number of plain buttons, each with its text and height, put
+// into the list of a hidden frame on the same desktop, and then deleted one by one. With
+// \a sheet the frame carries it, as a sub-menu carries its own, and the buttons are left
+// unpolished until shown, as a sub-menu's entries are.
+Q_NEVER_INLINE Build plainButtonsOnce(int count, const QString& sheet = QString())
+{
+    PolishLater polishLater;
     QWidget desktop;
     desktop.resize(1280, 800);
     desktop.show();
     auto* list = new QFrame(&desktop);
+    list->setStyleSheet(sheet);
     list->hide();
     auto* layout = new QVBoxLayout(list);
     QCoreApplication::processEvents();
@@ -99,6 +115,8 @@ Build plainButtonsOnce(int count)
     for (int index = 0; index < count; ++index) {
         auto* button = new QPushButton(QStringLiteral("Screen %1").arg(index), list);
         button->setFixedHeight(50);
+        if (!sheet.isEmpty())
+            button->installEventFilter(&polishLater);
         layout->addWidget(button);
         buttons.append(button);
     }
@@ -109,6 +127,20 @@ Build plainButtonsOnce(int count)
 
     tearDown(buttons, build);
     return build;
+}
+
+// Adds an entry for each of \a frames and runs what that leaves queued. Not inlined, so
+// that a profile tells the build from the teardown.
+Q_NEVER_INLINE void fill(MenuBar* bar, const QVector<ContainerBase*>& frames, Shape shape)
+{
+    for (int index = 0; index < frames.size(); ++index) {
+        const bool spread = shape == Shape::Categories;
+        const QString menu = spread ? categories[index % categories.size()] : QStringLiteral("Applications");
+        const QString subMenu = spread ? QStringLiteral("Group %1").arg((index / categories.size()) % 8) : QString();
+        bar->addMenuItem(menu, subMenu, QStringLiteral("Screen %1").arg(index), frames[index], index % 4, index % 3,
+                         nullptr, QString(), 0);
+    }
+    processEverything();
 }
 
 Build buildOnce(int screens, Shape shape)
@@ -130,14 +162,7 @@ Build buildOnce(int screens, Shape shape)
     QElapsedTimer timer;
     timer.start();
     const double cpuStart = threadCpuMilliseconds();
-    for (int index = 0; index < screens; ++index) {
-        const bool spread = shape == Shape::Categories;
-        const QString menu = spread ? categories[index % categories.size()] : QStringLiteral("Applications");
-        const QString subMenu = spread ? QStringLiteral("Group %1").arg((index / categories.size()) % 8) : QString();
-        bar->addMenuItem(menu, subMenu, QStringLiteral("Screen %1").arg(index), frames[index], index % 4, index % 3,
-                         nullptr, QString(), 0);
-    }
-    processEverything();
+    fill(bar, frames, shape);
     Build build;
     build.buildMilliseconds = timer.nsecsElapsed() / 1e6;
     build.cpuMilliseconds = threadCpuMilliseconds() - cpuStart;
@@ -224,8 +249,23 @@ int main(int argc, char** argv)
     const Build baseline = median(plainBuilds);
     std::printf("\n5000 plain buttons in a list: build %.1f ms CPU, teardown %.1f ms CPU\n", baseline.cpuMilliseconds,
                 baseline.teardownCpuMilliseconds);
-    run(Shape::Categories, repetitions, baseline, report);
-    run(Shape::OneMenu, repetitions, baseline, report);
+    // What the pop-up's style sheet alone costs the same buttons.
+    const QString sheet = SubMenu(nullptr, nullptr).styleSheet();
+    plainBuilds.clear();
+    for (int r = 0; r < repetitions; ++r)
+        plainBuilds.append(plainButtonsOnce(5000, sheet));
+    const Build styled = median(plainBuilds);
+    std::printf("the same under a sub-menu's style sheet: build %.1f ms CPU, teardown %.1f ms CPU\n",
+                styled.cpuMilliseconds, styled.teardownCpuMilliseconds);
+    report.info("5000 plain buttons under a sub-menu's style sheet: build, GUI-thread CPU", styled.cpuMilliseconds,
+                "ms");
+    report.info("5000 plain buttons under a sub-menu's style sheet: teardown, GUI-thread CPU",
+                styled.teardownCpuMilliseconds, "ms");
+    const QByteArray only = argc > 2 ? QByteArray(argv[2]) : QByteArray();
+    if (only != "flat")
+        run(Shape::Categories, repetitions, baseline, report);
+    if (only != "categories")
+        run(Shape::OneMenu, repetitions, baseline, report);
     std::printf("\n");
     return 0;
 }
