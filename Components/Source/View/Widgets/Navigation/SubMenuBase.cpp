@@ -117,6 +117,16 @@ void SubMenuBase::insertEntry(int index, QWidget* entry)
         entry->show();
 }
 
+bool SubMenuBase::event(QEvent* event)
+{
+    // Polishing a widget polishes all its children, shown or not: a closed pop-up
+    // polished as soon as control is back in the event loop would style every entry it
+    // holds. It is polished when it opens instead.
+    if (event->type() == QEvent::PolishRequest && !isVisible())
+        return true;
+    return QFrame::event(event);
+}
+
 bool SubMenuBase::eventFilter(QObject* watched, QEvent* event)
 {
     // A new widget asks to be styled as soon as control is back in the event loop; an

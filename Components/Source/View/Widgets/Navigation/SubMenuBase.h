@@ -59,6 +59,7 @@ protected slots:
     virtual void toggled(bool isChecked) = 0;
 
 protected:
+    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     /// Fits the pop-up to its entries now.
     virtual void fitToEntries() = 0;
