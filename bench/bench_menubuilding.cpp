@@ -145,7 +145,9 @@ Q_NEVER_INLINE void fill(MenuBar* bar, const QVector<ContainerBase*>& frames, Sh
     processEverything();
 }
 
-Build buildOnce(int screens, Shape shape)
+// With \a open, the flat sub-menu is opened after the build and that is timed too (the
+// teardown then is of an opened menu).
+Build buildOnce(int screens, Shape shape, bool open = false)
 {
     QWidget desktop;
     desktop.resize(1280, 800);
@@ -173,7 +175,7 @@ Build buildOnce(int screens, Shape shape)
     for (const QString& menu : categories)
         build.barButtons += bar->menuButton(menu) ? 1 : 0;
     // The flat sub-menu's entries are styled when it first opens.
-    if (shape == Shape::OneMenu) {
+    if (open) {
         bar->showMenuBar(true);
         processEverything();
         const double openStart = threadCpuMilliseconds();
@@ -213,6 +215,15 @@ void run(Shape shape, const QVector<int>& sizes, int repetitions, const Build& p
         QVector<Build> builds;
         for (int r = 0; r < repetitions; ++r)
             builds.append(buildOnce(screens, shape));
+        double firstOpen = 0;
+        if (shape == Shape::OneMenu && screens == 5000) {
+            QVector<Build> opened;
+            for (int r = 0; r < repetitions; ++r)
+                opened.append(buildOnce(screens, shape, true));
+            std::sort(opened.begin(), opened.end(),
+                      [](const Build& a, const Build& b) { return a.openCpuMilliseconds < b.openCpuMilliseconds; });
+            firstOpen = opened[opened.size() / 2].openCpuMilliseconds;
+        }
         const Build middle = median(builds);
         QString growth = QStringLiteral("-");
         QString expected = QStringLiteral("-");
@@ -237,8 +248,10 @@ void run(Shape shape, const QVector<int>& sizes, int repetitions, const Build& p
             report.atMost(what + ": teardown, GUI-thread CPU", middle.teardownCpuMilliseconds, "ms", 100, plainName,
                           plain.teardownCpuMilliseconds);
             report.info(what + ": teardown, elapsed", middle.teardownMilliseconds, "ms");
-            if (shape == Shape::OneMenu)
-                report.info(what + ": first open, GUI-thread CPU", middle.openCpuMilliseconds, "ms");
+            if (shape == Shape::OneMenu) {
+                std::printf("  first open of the sub-menu of 5000: %.1f ms CPU\n", firstOpen);
+                report.info(what + ": first open, GUI-thread CPU", firstOpen, "ms");
+            }
         }
     }
 }
