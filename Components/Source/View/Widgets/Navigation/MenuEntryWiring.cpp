@@ -8,10 +8,7 @@
 
 #include <QCoreApplication>
 #include <QDebug>
-#include <QEvent>
 #include <QPushButton>
-
-#include <utility>
 
 namespace MenuEntryWiring {
 
@@ -91,19 +88,6 @@ QString entryText(const char* context, const QString& label, int instNum)
     if (instNum > 1)
         text += QLatin1Char(' ') + QString::number(instNum);
     return text;
-}
-
-bool holdStyleChange(const QWidget* entry, const QEvent* event, bool& owed)
-{
-    if (event->type() != QEvent::StyleChange || entry->testAttribute(Qt::WA_WState_Polished))
-        return false;
-    owed = true;
-    return true;
-}
-
-bool styleChangeDue(const QEvent* event, bool& owed)
-{
-    return event->type() == QEvent::Polish && std::exchange(owed, false);
 }
 
 } // namespace MenuEntryWiring

@@ -1,9 +1,10 @@
 #ifndef MENUENTRYWIRING_H
 #define MENUENTRYWIRING_H
 
+#include <QEvent>
 #include <QString>
+#include <QWidget>
 
-class QEvent;
 class QObject;
 class QPushButton;
 class QWidget;
@@ -43,25 +44,27 @@ void closeNavigationBar();
 /// is not Latin-1 (then as it is), with " " and \a instNum after it when above 1.
 QString entryText(const char* context, const QString& label, int instNum);
 
-/// A QPushButton lays out its margins through its style when it is made and again on
-/// each style change; under a style sheet that computes the sheet's rules for it. An
-/// entry is therefore made without a parent and then put under its pop-up, and the style
-/// change that brings is held back until the entry is first polished, which a closed
-/// pop-up leaves until it opens. In the entry's event():
-///
-///     if (MenuEntryWiring::holdStyleChange(this, event, styleChangeOwed))
-///         return QWidget::event(event);
-///     const bool handled = QPushButton::event(event);
-///     if (MenuEntryWiring::styleChangeDue(event, styleChangeOwed)) {
-///         QEvent change(QEvent::StyleChange);
-///         QPushButton::event(&change);
-///     }
-///     return handled;
-///
-/// holdStyleChange() is true for a style change of the unpolished \a entry (it then
-/// owes it); styleChangeDue() is true once, at the first polish after that.
-bool holdStyleChange(const QWidget* entry, const QEvent* event, bool& owed);
-bool styleChangeDue(const QEvent* event, bool& owed);
+/// Delivers \a event to \a entry, a pop-up's entry, through \a toButton (which hands it
+/// to QPushButton::event()). A QPushButton lays out its margins through its style when it
+/// is made and again on each style change; under a style sheet that computes the sheet's
+/// rules for it. An entry is therefore made without a parent and then put under its
+/// pop-up, and the style change that brings is held back (\a owed) until the entry is
+/// first polished, which a closed pop-up leaves until it opens.
+template <class ToButton>
+bool deliverEntryEvent(const QWidget* entry, QEvent* event, bool& owed, ToButton toButton)
+{
+    if (event->type() == QEvent::StyleChange && !entry->testAttribute(Qt::WA_WState_Polished)) {
+        owed = true;
+        return true;
+    }
+    const bool handled = toButton(event);
+    if (event->type() == QEvent::Polish && owed) {
+        owed = false;
+        QEvent change(QEvent::StyleChange);
+        toButton(&change);
+    }
+    return handled;
+}
 
 } // namespace MenuEntryWiring
 

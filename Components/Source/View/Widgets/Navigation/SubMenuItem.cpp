@@ -189,14 +189,8 @@ void SubMenuItem::paintEvent(QPaintEvent* event)
 
 bool SubMenuItem::event(QEvent* event)
 {
-    if (MenuEntryWiring::holdStyleChange(this, event, styleChangeOwed))
-        return QWidget::event(event);
-    const bool handled = QPushButton::event(event);
-    if (MenuEntryWiring::styleChangeDue(event, styleChangeOwed)) {
-        QEvent change(QEvent::StyleChange);
-        QPushButton::event(&change);
-    }
-    return handled;
+    return MenuEntryWiring::deliverEntryEvent(this, event, styleChangeOwed,
+                                              [this](QEvent* delivered) { return QPushButton::event(delivered); });
 }
 
 void SubMenuItem::changeEvent(QEvent* event)

@@ -39,14 +39,8 @@ void SubSubMenuItem::retranslate()
 
 bool SubSubMenuItem::event(QEvent* event)
 {
-    if (MenuEntryWiring::holdStyleChange(this, event, styleChangeOwed))
-        return QWidget::event(event);
-    const bool handled = QPushButton::event(event);
-    if (MenuEntryWiring::styleChangeDue(event, styleChangeOwed)) {
-        QEvent change(QEvent::StyleChange);
-        QPushButton::event(&change);
-    }
-    return handled;
+    return MenuEntryWiring::deliverEntryEvent(this, event, styleChangeOwed,
+                                              [this](QEvent* delivered) { return QPushButton::event(delivered); });
 }
 
 void SubSubMenuItem::changeEvent(QEvent* event)
