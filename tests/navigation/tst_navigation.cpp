@@ -643,6 +643,14 @@ private slots:
         // A hidden entry stays hidden through regrouping.
         desk.bar->removeMenuItem("Meters", QString(), "Voltage");
         QVERIFY(desk.bar->menuButton("Meters")->isHidden());
+        // A name whose entries are all hidden gets a hidden holder when a second name nests it.
+        desk.add("Sources", "AC", "AC 1");
+        desk.add("Sources", "AC", "AC 2");
+        desk.bar->disableScreen("Sources", "AC", "AC 1", 1);
+        desk.bar->disableScreen("Sources", "AC", "AC 2", 1);
+        desk.add("Sources", "DC", "DC 1");
+        QVERIFY(desk.bar->getSubSubMenus().value("Sources|AC")->getOwner()->isHidden());
+        QVERIFY(!desk.bar->menuButton("Sources")->isHidden());
     }
 
     void refusesBadInput()

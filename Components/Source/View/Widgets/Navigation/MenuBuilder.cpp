@@ -101,6 +101,7 @@ QPushButton* MenuBuilder::addMenuItem(const QString& menu, const QString& subMen
                  << shown;
         return nullptr;
     }
+    const int nests = subSubMenus.size();
     if (groupedMenus.contains(menu) && !subMenus.value(menu)) {
         qDebug() << "UserInterface - Menu without its sub-menu, entry not added:" << menu << subMenu << shown;
         return nullptr;
@@ -142,7 +143,8 @@ QPushButton* MenuBuilder::addMenuItem(const QString& menu, const QString& subMen
     }
     recordEntry(entry, menu, subMenu, screen);
     screenMap.append(key, entry);
-    refreshMenuVisibility(menu);
+    // Only a new second-level pop-up brings a holder for another name than this entry's.
+    refreshMenuVisibility(menu, subSubMenus.size() == nests ? &subMenu : nullptr);
     return entry;
 }
 
@@ -528,12 +530,12 @@ void MenuBuilder::clearMenu(const QString& menu)
     subMenuCount.remove(menu);
 }
 
-void MenuBuilder::refreshMenuVisibility(const QString& menu)
+void MenuBuilder::refreshMenuVisibility(const QString& menu, const QString* onlySubMenu)
 {
     if (!groupedMenus.contains(menu))
         return;
     const QString prefix = nestKey(menu, QString());
-    for (const QString& name : subMenuCount.value(menu).keys()) {
+    for (const QString& name : onlySubMenu ? QStringList{*onlySubMenu} : subMenuCount.value(menu).keys()) {
         SubSubMenu* nest = subSubMenus.value(prefix + name);
         QPushButton* holder = nest ? nest->getOwner() : nullptr;
         const bool shown = nest && nest->hasShownEntry();

@@ -88,7 +88,9 @@ private:
     void forgetEntry(QObject* entry, bool deletedLater);
     void settleMenu(const QString& menu);
     void clearMenu(const QString& menu);
-    void refreshMenuVisibility(const QString& menu);
+    // Shows the holders of \a menu's names (only \a onlySubMenu's when given) and its group
+    // button while they have an entry shown, and hides them otherwise.
+    void refreshMenuVisibility(const QString& menu, const QString* onlySubMenu = nullptr);
     // Hides or shows the entry of \a key and the spacer above it (disableScreen, enableScreen).
     void setEntryShown(const ScreenKey& key, bool shown);
     QList<QPushButton*> entriesOf(const QString& menu) const;
