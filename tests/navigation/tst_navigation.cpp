@@ -644,10 +644,8 @@ private slots:
         desk.bar->removeMenuItem("Meters", QString(), "Voltage");
         QVERIFY(desk.bar->menuButton("Meters")->isHidden());
         // A name whose entries are all hidden gets a hidden holder when a second name nests it.
-        desk.add("Sources", "AC", "AC 1");
-        desk.add("Sources", "AC", "AC 2");
-        desk.bar->disableScreen("Sources", "AC", "AC 1", 1);
-        desk.bar->disableScreen("Sources", "AC", "AC 2", 1);
+        for (const char* label : {"AC 1", "AC 2"})
+            desk.bar->disableScreen("Sources", "AC", desk.add("Sources", "AC", label)->text(), 1);
         desk.add("Sources", "DC", "DC 1");
         QVERIFY(desk.bar->getSubSubMenus().value("Sources|AC")->getOwner()->isHidden());
         QVERIFY(!desk.bar->menuButton("Sources")->isHidden());
