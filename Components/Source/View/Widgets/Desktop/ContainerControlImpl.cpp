@@ -20,8 +20,8 @@ QString buttonRule(const char* objectName, const char* image)
 
 } // namespace
 
-ContainerControlImpl::ContainerControlImpl(QWidget* containerWidget)
-    : QFrame(nullptr)
+ContainerControlImpl::ContainerControlImpl(QWidget* containerWidget, QWidget* parent)
+    : QFrame(parent)
     , container(qobject_cast<ContainerImpl*>(containerWidget))
 {
     setObjectName(QStringLiteral("ContainerControl"));

@@ -20,8 +20,9 @@ class TZUICOMPONENTS_EXPORT ContainerControlImpl : public QFrame
     Q_OBJECT
 
 public:
-    /// Built without a parent: \a container puts the cluster into its title row.
-    explicit ContainerControlImpl(QWidget* container);
+    /// Acts on \a container; \a parent is the widget that holds the title row. Made
+    /// under it, the cluster's sheet is not read again by a move into the row.
+    explicit ContainerControlImpl(QWidget* container, QWidget* parent = nullptr);
 
 public slots:
     /// Maximizes the container (closing an open navigation bar) or restores it.

@@ -60,9 +60,18 @@ ContainerImpl::ContainerImpl(QWidget* parent)
     : ContainerBase(parent)
 {
     setObjectName(QStringLiteral("TopContainerObject"));
+    // Sheets first and nothing with a sheet moved afterwards: a widget given a sheet, or
+    // moved under a new parent, has its whole subtree polished again at once, and each of
+    // the cluster's image rules reads its SVG file twice.
+    setStyleSheet(QStringLiteral("    QPushButton#ContainerHandle {        border-bottom-left-radius: 10px;        border: none;        background-image: url(:/images/vbar.png);        background-repeat: no-repeat;        background-position: center center;        min-width: 20px;        max-width: 20px;    }    QLabel#ContainerTitle {        margin-left: 1px;        color: #fff;        font: ")
+                  + titleFontSize()
+                  + QStringLiteral("px;    }    QPushButton#TopContainerObject {        border: none;         background-color: transparent;     }"));
 
     auto* frame = new QFrame(this);
     frame->setObjectName(QStringLiteral("Container"));
+    m_baseFrame->setParent(frame);
+    m_titleLabel->setParent(frame);
+    m_containerControl = new ContainerControlImpl(this, frame);
     auto* frameLayout = new QVBoxLayout(frame);
     frameLayout->setSpacing(0);
     frameLayout->setContentsMargins(0, 0, 0, 0);
@@ -73,7 +82,6 @@ ContainerImpl::ContainerImpl(QWidget* parent)
     titleRow->setContentsMargins(0, 0, 0, 0);
     titleRow->addWidget(m_titleLabel, 1);
     titleRow->addStretch();
-    m_containerControl = new ContainerControlImpl(this);
     titleRow->addWidget(m_containerControl, 0);
     frameLayout->addLayout(titleRow);
 
@@ -96,10 +104,6 @@ ContainerImpl::ContainerImpl(QWidget* parent)
         saveLocation();
         emit updatePosition(this, start);
     });
-
-    setStyleSheet(QStringLiteral("    QPushButton#ContainerHandle {        border-bottom-left-radius: 10px;        border: none;        background-image: url(:/images/vbar.png);        background-repeat: no-repeat;        background-position: center center;        min-width: 20px;        max-width: 20px;    }    QLabel#ContainerTitle {        margin-left: 1px;        color: #fff;        font: ")
-                  + titleFontSize()
-                  + QStringLiteral("px;    }    QPushButton#TopContainerObject {        border: none;         background-color: transparent;     }"));
 
     m_stateMin = new QState(&m_stateMachine);
     m_stateMin->setObjectName(QStringLiteral("Min"));
