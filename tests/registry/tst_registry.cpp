@@ -24,6 +24,7 @@
 #include "QTZUtil.h"
 #include "SystemModule.h"
 
+#include <QScriptEngine>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QThreadPool>
@@ -172,6 +173,11 @@ void TestRegistry::keepsOneRegistryWhichOtherThreadsNeverBuild()
     delete built;
     built = new GlobalImpl(qApp);
     QCOMPARE(askFromThread(), built);
+    // Its script engine, first asked for from another thread, lives in the registry's.
+    QScriptEngine* engine = nullptr;
+    std::thread([&engine, built] { engine = built->scriptEngine(); }).join();
+    QVERIFY(engine == built->scriptEngine() && engine->thread() == built->thread());
+    QCOMPARE(engine->evaluate(QStringLiteral("6 * 7")).toInt32(), 42);
 }
 
 void TestRegistry::computesSnapPoints_data()

@@ -101,7 +101,6 @@ GlobalImpl::GlobalImpl(QObject* parent)
     auto* systemModule = new SystemModule(this);
     m_systemModule.set(systemModule);
     m_messageOutputControl = new QTZMessageOutputControl(this);
-    m_scriptEngine = std::make_unique<QScriptEngine>();
 
     qDebug() << "UserInterface - Global::Global";
     setObjectName(QStringLiteral("GlobalImpl"));
@@ -152,6 +151,17 @@ GlobalImpl::~GlobalImpl()
     stopSubscriberThreads();
     m_scriptEngine.reset();
     m_lockerGateway->close();
+}
+
+QScriptEngine* GlobalImpl::scriptEngine() const
+{
+    // Made when first asked for: most hosts never script, and an engine is 2.7 MB of a
+    // host's start. Whichever thread asks first, the engine lives in the registry's.
+    std::call_once(m_scriptEngineMade, [this] {
+        m_scriptEngine = std::make_unique<QScriptEngine>();
+        m_scriptEngine->moveToThread(thread());
+    });
+    return m_scriptEngine.get();
 }
 
 void GlobalImpl::stopSubscriberThreads()

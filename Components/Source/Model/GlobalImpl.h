@@ -16,6 +16,7 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 
 class DesktopImpl;
 class DesktopManagerImpl;
@@ -104,7 +105,8 @@ public:
     void setGUIManagerServer(const ServerPointer& server) { m_guiManagerServer.set(server); }
     QPoint dialogLastPosition() const { return m_dialogLastPosition; }
     void setDialogLastPosition(const QPoint& position) { m_dialogLastPosition = position; }
-    QScriptEngine* scriptEngine() const { return m_scriptEngine.get(); }
+    /// The host's script engine, made on first use in the registry's thread.
+    QScriptEngine* scriptEngine() const;
     /// The switch that follows the option "currentLanguage"; hosts add their catalogs to it.
     LanguageSwitch* languageSwitch() const { return m_languageSwitch; }
 
@@ -221,7 +223,8 @@ private:
     // Shared with threads that hold it through currentLockerGateway().
     const std::shared_ptr<LockerGateway> m_lockerGateway;
     QList<QPointer<QThread>> m_subscriberThreads;
-    std::unique_ptr<QScriptEngine> m_scriptEngine;
+    mutable std::once_flag m_scriptEngineMade;
+    mutable std::unique_ptr<QScriptEngine> m_scriptEngine;
     QPoint m_dialogLastPosition;
     QHash<QString, QPointer<QWidget>> m_screens;
 };
