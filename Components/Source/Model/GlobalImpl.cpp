@@ -155,7 +155,7 @@ GlobalImpl::~GlobalImpl()
 
 QScriptEngine* GlobalImpl::scriptEngine() const
 {
-    // Made when first asked for: most hosts never script, and an engine is 2.7 MB of a
+    // Made when first asked for: most hosts never script, and an engine is over 2 MB of a
     // host's start. Whichever thread asks first, the engine lives in the registry's.
     std::call_once(m_scriptEngineMade, [this] {
         m_scriptEngine = std::make_unique<QScriptEngine>();
