@@ -33,13 +33,13 @@ QHash<QString, PopUp*> livePopUps(const QHash<QString, QPointer<PopUp>>& table)
 // Qt 5's QHash shrinks as it empties. Each shrink of a table of thousands frees its
 // buckets at once, and a free that large makes malloc sweep every small block the
 // deleted entries left behind. A table that keeps the largest size it reached (a few
-// kilobytes for thousands of screens) never shrinks.
+// kilobytes for thousands of screens) never shrinks: right after it grew, its buckets
+// are about twice its size, and reserving that many pins them.
 template <class Key, class Value>
 void keepLargestSize(QHash<Key, Value>& table)
 {
-    const int size = table.size();
-    if (size >= 64 && (size & (size - 1)) == 0)
-        table.reserve(size);
+    if (table.size() >= 64 && table.capacity() >= 2 * table.size())
+        table.reserve(table.capacity());
 }
 
 } // namespace
