@@ -177,7 +177,6 @@ void TestRegistry::keepsOneRegistryWhichOtherThreadsNeverBuild()
     QScriptEngine* engine = nullptr;
     std::thread([&engine, built] { engine = built->scriptEngine(); }).join();
     QVERIFY(engine == built->scriptEngine() && engine->thread() == built->thread());
-    QCOMPARE(engine->evaluate(QStringLiteral("6 * 7")).toInt32(), 42);
 }
 
 void TestRegistry::computesSnapPoints_data()
