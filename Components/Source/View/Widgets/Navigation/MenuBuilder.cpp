@@ -196,6 +196,10 @@ void MenuBuilder::detach(QObject* object, bool both)
 
 void MenuBuilder::takeFromRow(const QObject* widget)
 {
+    // Only the bar's own buttons stand in the row; the entries of the pop-ups, thousands
+    // of them, need no search.
+    if (!widget || widget->parent() != itemFrame)
+        return;
     const int index = rowIndex(widget);
     if (index == itemLayout->count())
         return;
@@ -418,11 +422,12 @@ void MenuBuilder::subSubMenuItemDeleted(QObject* menuItem)
 void MenuBuilder::screenDestroyed(QObject* screen)
 {
     // The entry deletes itself later; it leaves the books now, so that nothing rebuilds
-    // an entry for a screen that is gone.
+    // an entry for a screen that is gone. It stays connected until then: what it reports
+    // of itself finds it gone from the books, and cutting each of thousands of entries
+    // loose one by one as their screens close together costs more than that.
     QObject* entry = screenEntries.take(screen);
     if (!entry || !itemMenuName.contains(entry))
         return;
-    detach(entry);
     entryGone(entry, false, true);
 }
 

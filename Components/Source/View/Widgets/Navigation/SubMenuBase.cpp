@@ -91,8 +91,11 @@ void SubMenuBase::refit()
 void SubMenuBase::adoptEntry(QWidget* entry)
 {
     refit();
-    connect(entry, &QObject::destroyed, this, [this] { fitWhenIdle(); });
-    connect(entry, &QObject::destroyed, this, &SubMenuBase::setClosed);
+    // One connection for both: each costs its set-up and its removal, entry by entry.
+    connect(entry, &QObject::destroyed, this, [this] {
+        fitWhenIdle();
+        setClosed();
+    });
 }
 
 void SubMenuBase::removeMenuItem(QWidget* entry)
