@@ -13,7 +13,7 @@
 
 MenuItem::MenuItem(ScrollableMenuBarFrame* bar, const QString& name, const QString& label, QFrame* screen,
                    int position, int priority, QObject* receiver, const QString& slot)
-    : QPushButton(label)
+    : QPushButton(label, bar)
     , bar(bar)
     , name(name)
     , label(label)
