@@ -369,6 +369,12 @@ private slots:
             QVERIFY2(QSvgRenderer(icon).isValid(), menu);
             QCOMPARE(icon.endsWith("icon_unknown.svg"), menu == QLatin1String("Meters "));
         }
+        // A tile sized before it shows draws its icon when it paints: alike but for it,
+        // two categories' tiles differ.
+        MenuWidgetImpl meters("Meters", "Loaded", false, nullptr), help("Help", "Loaded", false, nullptr);
+        for (MenuWidgetImpl* tile : {&meters, &help})
+            tile->setText("Tile"), tile->resize(200, 120);
+        QVERIFY(meters.grab().toImage() != help.grab().toImage());
     }
 
     void tapOpensScreenButTravelDoesNot_data()

@@ -205,6 +205,7 @@ void MenuWidgetImpl::setText(const QString& label)
 
 void MenuWidgetImpl::renderIcon()
 {
+    iconStale = false;
     const int side = int(0.65 * height());
     if (side <= 0 || iconPath.isEmpty() || !testAttribute(Qt::WA_Resized)) {
         icon = QPixmap();
@@ -239,7 +240,7 @@ void MenuWidgetImpl::active(bool contentsActive)
 void MenuWidgetImpl::resizeEvent(QResizeEvent* event)
 {
     QLabel::resizeEvent(event);
-    renderIcon();
+    iconStale = true;
     setText(text);
 }
 
@@ -263,6 +264,8 @@ void MenuWidgetImpl::paintEvent(QPaintEvent* event)
     painter.setBrush(plateFill);
     painter.drawRoundedRect(QRectF(m, m + 1, w - 3 * m, s - 2 * m), 14, 14);
 
+    if (iconStale)
+        renderIcon();
     painter.drawPixmap(int(w - m - s), int(m), icon);
 
     if (submenu) {

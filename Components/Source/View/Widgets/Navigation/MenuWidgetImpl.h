@@ -60,6 +60,9 @@ private:
     QString shownText;
     QString text;
     QPixmap icon;
+    // Set by a resize: the icon is drawn again at the next paint, so that tiles sized
+    // while the bar is closed (all of them, as a host starts) draw no SVG until shown.
+    bool iconStale = false;
     int margin = 4;
     // The look in force (normalStyle or activeStyle), before the font-size rule.
     QString appliedStyle;
