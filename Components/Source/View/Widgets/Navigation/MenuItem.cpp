@@ -23,6 +23,8 @@ MenuItem::MenuItem(ScrollableMenuBarFrame* bar, const QString& name, const QStri
     , receiver(receiver)
     , slot(slot)
 {
+    // Made in the bar's row, where its layout puts it: adopted there afterwards, the
+    // button, its tile and their sheets would all be styled a second time.
     setObjectName(QStringLiteral("MenuItem"));
     setFocusPolicy(Qt::NoFocus);
     if (ApplicationOptions::isHandheld())
