@@ -5,7 +5,9 @@
 #include "LanguageSwitch.h"
 
 #include <QCoreApplication>
+#include <QIcon>
 #include <QPushButton>
+#include <QSize>
 #include <QVariant>
 
 namespace {
@@ -30,9 +32,14 @@ DemoLanguage::DemoLanguage(QWidget* desktop)
                                            "border: 1px solid white; border-radius: 6px; padding: 6px; }"));
     connect(m_button, &QPushButton::clicked, this, &DemoLanguage::toggle);
     follow(m_button, [this, desktop] {
-        // Each language offers the other, named in its own words.
-        m_button->setText(ApplicationOptions::isChineseLanguage() ? QStringLiteral("English")
-                                                                  : QStringLiteral("中文"));
+        // Each language offers the other, named in its own words. Chinese is a picture of
+        // its two characters: as text, on an English desktop, it would have fontconfig
+        // search for and load a fallback font for this one button as the host starts.
+        const bool chinese = ApplicationOptions::isChineseLanguage();
+        m_button->setText(chinese ? QStringLiteral("English") : QString());
+        m_button->setIcon(chinese ? QIcon() : QIcon(QStringLiteral(":/demo/images/chinese.png")));
+        m_button->setIconSize(QSize(34, 21));
+        m_button->setAccessibleName(chinese ? QStringLiteral("English") : QStringLiteral("中文"));
         m_button->adjustSize();
         // Above the desktop's row of buttons at the lower right.
         const auto* row = desktop->findChild<QPushButton*>(QStringLiteral("FullScreenButton"));
