@@ -6,8 +6,8 @@
 
 #include <QCoreApplication>
 #include <QIcon>
+#include <QImageReader>
 #include <QPushButton>
-#include <QSize>
 #include <QVariant>
 
 namespace {
@@ -36,9 +36,10 @@ DemoLanguage::DemoLanguage(QWidget* desktop)
         // its two characters: as text, on an English desktop, it would have fontconfig
         // search for and load a fallback font for this one button as the host starts.
         const bool chinese = ApplicationOptions::isChineseLanguage();
+        const QString picture = chinese ? QString() : QStringLiteral(":/demo/images/chinese.png");
         m_button->setText(chinese ? QStringLiteral("English") : QString());
-        m_button->setIcon(chinese ? QIcon() : QIcon(QStringLiteral(":/demo/images/chinese.png")));
-        m_button->setIconSize(QSize(34, 21));
+        m_button->setIcon(QIcon(picture));
+        m_button->setIconSize(QImageReader(picture).size());
         m_button->setAccessibleName(chinese ? QStringLiteral("English") : QStringLiteral("中文"));
         m_button->adjustSize();
         // Above the desktop's row of buttons at the lower right.
