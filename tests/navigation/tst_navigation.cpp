@@ -487,8 +487,13 @@ private slots:
         const int right = corner.x() + spectrum->getOwner()->width();
         QCOMPARE(spectrum->getConnector()->geometry(), QRect(right, corner.y() + 11, 6, 32));
         QCOMPARE(spectrum->pos(), QPoint(right + 6, corner.y()));
+        desk.bar->disableScreen("Analyzers", "Scope", "Scope B", 1);
         QTest::mouseClick(scope->getOwner(), Qt::LeftButton);
         QVERIFY(scope->isVisible() && !spectrum->getOwner()->isChecked());
+        // Made as their pop-ups opened, spacers show as the entries below them do.
+        const auto spacers = [](SubSubMenu* nest) { return nest->findChildren<QFrame*>("spacer"); };
+        QVERIFY(spacers(spectrum).size() == 1 && !spacers(spectrum)[0]->isHidden());
+        QVERIFY(spacers(scope).size() == 1 && spacers(scope)[0]->isHidden());
         QVERIFY(!spectrum->isVisible() && !spectrum->getConnector()->isVisible());
         // Sliding the bar closes every pop-up at once.
         desk.bar->toggle();

@@ -54,13 +54,34 @@ void SubSubMenu::addMenuItem(QWidget* entry, int)
 {
     if (!entry)
         return;
-    if (itemLayout->count() > 0) {
-        auto* spacer = new QFrame(this);
-        spacer->setObjectName(QLatin1String(spacerName));
-        insertEntry(itemLayout->count(), spacer);
-    }
+    if (dressed && itemLayout->count() > 0)
+        insertSpacer(itemLayout->count(), false);
     insertEntry(itemLayout->count(), entry);
     adoptEntry(entry);
+}
+
+void SubSubMenu::insertSpacer(int index, bool hidden)
+{
+    auto* spacer = new QFrame(this);
+    spacer->setObjectName(QLatin1String(spacerName));
+    if (hidden)
+        spacer->hide();
+    insertEntry(index, spacer);
+}
+
+void SubSubMenu::dress()
+{
+    // The spacers between the entries are made when the pop-up first opens: a bar of
+    // many screens has thousands of entries in pop-ups that never open, and a spacer
+    // costs as much to make and to delete as a small widget does. Each takes the
+    // visibility of the entry below it, as hiding an entry hides the spacer above it.
+    if (dressed)
+        return;
+    dressed = true;
+    for (int index = itemLayout->count() - 1; index > 0; --index) {
+        if (QWidget* entry = itemLayout->itemAt(index)->widget())
+            insertSpacer(index, isHiddenEntry(entry));
+    }
 }
 
 void SubSubMenu::resizeSubMenu()
@@ -109,6 +130,7 @@ void SubSubMenu::toggled(bool isChecked)
         hide();
         return;
     }
+    dress();
     if (!connector && parentWidget()) {
         connector = new QFrame(parentWidget());
         connector->setStyleSheet(QStringLiteral(

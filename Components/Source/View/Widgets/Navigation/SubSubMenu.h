@@ -21,8 +21,9 @@ public:
     /// Takes the connector tab along, which lives on the desktop.
     ~SubSubMenu() override;
 
-    /// Appends \a entry, after a thin "spacer" line when there are entries already;
-    /// \a position is not used at this level.
+    /// Appends \a entry, after a thin "spacer" line when there are entries already (in a
+    /// pop-up that has not opened yet, the spacers come when it first opens); \a position
+    /// is not used at this level.
     void addMenuItem(QWidget* entry, int position) override;
     /// The tab between holder and pop-up; made when the pop-up first opens.
     QFrame* getConnector() const { return connector; }
@@ -41,10 +42,14 @@ protected:
 
 private:
     void dropLooseSpacers();
+    void insertSpacer(int index, bool hidden);
+    // Puts a spacer between every two entries, once.
+    void dress();
     void applyStyle(const QString& style);
 
     QPointer<QFrame> connector;
     QString baseStyle;
+    bool dressed = false;
 };
 
 #endif
