@@ -91,10 +91,13 @@ void SubMenuBase::refit()
 void SubMenuBase::adoptEntry(QWidget* entry)
 {
     refit();
-    // One connection for both: each costs its set-up and its removal, entry by entry.
-    connect(entry, &QObject::destroyed, this, [this] {
+    // One connection for all that an entry's end means here: each costs its set-up and
+    // its removal, entry by entry.
+    connect(entry, &QObject::destroyed, this, [this](QObject* gone) {
         fitWhenIdle();
         setClosed();
+        if (taken.remove(gone) && taken.isEmpty() && disposed)
+            deleteLater();
     });
 }
 
@@ -167,13 +170,10 @@ void SubMenuBase::sweepLeaving()
         if (!entry || !leaving.contains(entry))
             continue;
         delete itemLayout->takeAt(index);
-        ++leavingEntries;
-        connect(entry, &QObject::destroyed, this, [this] {
-            if (--leavingEntries == 0 && disposed)
-                deleteLater();
-        });
+        taken.insert(entry);
     }
-    // Entries already gone left the layout with their deletion.
+    // Entries already gone left the layout with their deletion; those not found here
+    // were never in this pop-up.
     leaving.clear();
 }
 
@@ -185,6 +185,6 @@ void SubMenuBase::dispose()
     // A child still waiting for its queued deletion makes Qt search the whole event
     // queue as it dies with its parent: with thousands of entries going at once (their
     // screens closed together) that is quadratic, so the pop-up goes after them.
-    if (leavingEntries == 0)
+    if (taken.isEmpty())
         deleteLater();
 }

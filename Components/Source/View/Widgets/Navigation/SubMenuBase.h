@@ -98,8 +98,9 @@ private:
     // Entries that left, still in the layout until the next sweep; only compared, never
     // followed (one may be deleted meanwhile).
     QSet<const QObject*> leaving;
-    // Entries dropped from the list whose queued deletion is still to come.
-    int leavingEntries = 0;
+    // Entries taken out of the layout whose queued deletion is still to come; each
+    // leaves this set as it is destroyed.
+    QSet<const QObject*> taken;
     bool disposed = false;
 };
 
