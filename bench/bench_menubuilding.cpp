@@ -145,6 +145,19 @@ Q_NEVER_INLINE void fill(MenuBar* bar, const QVector<ContainerBase*>& frames, Sh
     processEverything();
 }
 
+// \a count hidden screens on \a desktop.
+QVector<ContainerBase*> makeScreens(QWidget* desktop, int count)
+{
+    QVector<ContainerBase*> screens;
+    screens.reserve(count);
+    for (int index = 0; index < count; ++index) {
+        auto* screen = new ContainerBase(desktop);
+        screen->hide();
+        screens.append(screen);
+    }
+    return screens;
+}
+
 // The screens' own share of a teardown: as many bare screens as a build gets, on the same
 // desktop, deleted with no navigation bar to tell. A build is timed with its screens
 // made already, so the menus' teardown is timed less what the screens alone take.
@@ -152,13 +165,7 @@ Build screensOnlyOnce(int screens)
 {
     QWidget desktop;
     desktop.resize(1280, 800);
-    QVector<ContainerBase*> frames;
-    frames.reserve(screens);
-    for (int index = 0; index < screens; ++index) {
-        auto* screen = new ContainerBase(&desktop);
-        screen->hide();
-        frames.append(screen);
-    }
+    const QVector<ContainerBase*> frames = makeScreens(&desktop, screens);
     desktop.show();
     QCoreApplication::processEvents();
     Build build;
@@ -174,13 +181,7 @@ Build buildOnce(int screens, Shape shape, bool open = false)
     desktop.resize(1280, 800);
     auto* bar = new MenuBar(&desktop, Qt::AlignTop);
     GlobalImpl::getInstance()->setTopNavMenu(bar);
-    QVector<ContainerBase*> frames;
-    frames.reserve(screens);
-    for (int index = 0; index < screens; ++index) {
-        auto* screen = new ContainerBase(&desktop);
-        screen->hide();
-        frames.append(screen);
-    }
+    const QVector<ContainerBase*> frames = makeScreens(&desktop, screens);
     desktop.show();
     QCoreApplication::processEvents();
 
