@@ -389,6 +389,7 @@ private slots:
         QTest::newRow("sub-menu, 41 pixels") << true << QPoint(0, 41) << false;
         // A handheld shows screens full size: the bar gets out of the way.
         QTest::newRow("handheld, tap") << false << QPoint() << true;
+        QTest::newRow("handheld, sub-menu tap") << true << QPoint() << true;
     }
     void tapOpensScreenButTravelDoesNot()
     {
@@ -412,6 +413,9 @@ private slots:
         QCOMPARE(screen->isVisible(), opens);
         QCOMPARE(entry->property("screenSize").toString(), QString(opens ? "Max" : ""));
         QCOMPARE(desk.bar->isOpen, !handheld);
+        // The screen it opened closes the sub-menu.
+        if (inSubMenu)
+            QCOMPARE(desk.bar->menuButton("Meters")->isChecked(), !opens);
     }
 
     void subMenuOpensSizedAndPlaced_data()
@@ -595,6 +599,23 @@ private slots:
         QCOMPARE(desk.shape(), QString());
         QVERIFY(desk.desktop.findChildren<SubMenuBase*>().isEmpty());
         QVERIFY(desk.desktop.findChildren<SubMenuItem*>().isEmpty());
+    }
+
+    void popUpDeletedBeforeItsBarTakesItsEntries()
+    {
+        // A desktop deletes its children in the order they stand, and a bar raised above
+        // its pop-ups goes after them: entries die with their pop-up while the bar still
+        // keeps them in its books.
+        Desk desk;
+        for (int i = 0; i < 3; ++i)
+            desk.add("Meters", QString(), QString("Screen %1").arg(i));
+        settle();
+        const QPointer<QPushButton> entry = desk.entry("Meters", QString(), "Screen 1");
+        QVERIFY(entry);
+        delete desk.bar->getSubMenus().value("Meters");
+        QVERIFY(!entry);
+        settle();
+        QCOMPARE(desk.shape(), QString());
     }
 
     void regroupedEntryKeepsWhatItHad()
