@@ -8,6 +8,7 @@
 
 #include <QCoreApplication>
 #include <QDebug>
+#include <QPointer>
 #include <QPushButton>
 
 namespace MenuEntryWiring {
@@ -19,19 +20,26 @@ bool opensFullScreen(const QObject* screen)
     return screen && screen->inherits("FSContainer") && ApplicationOptions::isPortraitResolution();
 }
 
+namespace {
+
+// Called by name on purpose: containers redeclare show() and raise() as slots of their
+// own (a full-screen container announces its size before it shows), which only the
+// meta-object call reaches through a plain widget pointer. Looked up when tapped, not
+// when wired: a menu of thousands wires thousands of entries.
+void openScreen(QWidget* screen, bool raise)
+{
+    QMetaObject::invokeMethod(screen, "show");
+    if (raise)
+        QMetaObject::invokeMethod(screen, "raise");
+}
+
+} // namespace
+
 void showOnClick(QPushButton* entry, QWidget* screen, bool raise)
 {
     if (!entry || !screen)
         return;
-    // Called by name on purpose: containers redeclare show() and raise() as slots of
-    // their own (a full-screen container announces its size before it shows), which only
-    // the meta-object call reaches through a plain widget pointer. Looked up when tapped,
-    // not when wired: a menu of thousands wires thousands of entries.
-    QObject::connect(entry, &QPushButton::clicked, screen, [screen, raise] {
-        QMetaObject::invokeMethod(screen, "show");
-        if (raise)
-            QMetaObject::invokeMethod(screen, "raise");
-    });
+    QObject::connect(entry, &QPushButton::clicked, screen, [screen, raise] { openScreen(screen, raise); });
 }
 
 void followScreenSize(QPushButton* entry, QWidget* screen)
@@ -54,12 +62,17 @@ void wirePopUpEntry(QPushButton* entry, QWidget* screen, SubMenuBase* subMenu, b
             QObject::connect(entry, &QPushButton::clicked, subMenu, &SubMenuBase::setClosed);
         return;
     }
-    const bool fullScreen = opensFullScreen(screen);
-    showOnClick(entry, screen, !fullScreen);
-    if (fullScreen)
-        QObject::connect(entry, &QPushButton::clicked, entry, [] { closeNavigationBar(); });
-    else if (screenClosesSubMenu && subMenu)
-        QObject::connect(entry, &QPushButton::clicked, subMenu, &SubMenuBase::setClosed);
+    // One connection, whose slot asks how the screen opens when the entry is tapped: a
+    // menu of thousands wires thousands of entries, and each would look the options up.
+    QObject::connect(entry, &QPushButton::clicked, screen,
+                     [screen, subMenu = QPointer<SubMenuBase>(subMenu), screenClosesSubMenu] {
+                         const bool fullScreen = opensFullScreen(screen);
+                         openScreen(screen, !fullScreen);
+                         if (fullScreen)
+                             closeNavigationBar();
+                         else if (screenClosesSubMenu && subMenu)
+                             subMenu->setClosed();
+                     });
     followScreenSize(entry, screen);
     QObject::connect(screen, &QObject::destroyed, entry, &QObject::deleteLater);
 }

@@ -27,10 +27,10 @@ void showOnClick(QPushButton* entry, QWidget* screen, bool raise);
 void followScreenSize(QPushButton* entry, QWidget* screen);
 
 /// Wires what a tap on \a entry, an entry of a pop-up, does. With \a screen: shows it,
-/// and closes the bar when the screen fills the display, or else raises it and, when
-/// \a screenClosesSubMenu is set, closes \a subMenu; the entry follows the screen's
-/// size and goes with the screen. Without a screen: closes the bar on a handheld,
-/// \a subMenu elsewhere.
+/// and closes the bar when the screen fills the display (as the options say at the
+/// tap), or else raises it and, when \a screenClosesSubMenu is set, closes \a subMenu;
+/// the entry follows the screen's size and goes with the screen. Without a screen:
+/// closes the bar on a handheld, \a subMenu elsewhere.
 void wirePopUpEntry(QPushButton* entry, QWidget* screen, SubMenuBase* subMenu, bool screenClosesSubMenu);
 
 /// Connects \a entry's clicked() to \a slot (a slot signature as SLOT() gives it) of
