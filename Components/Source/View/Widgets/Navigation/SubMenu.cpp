@@ -110,6 +110,11 @@ SubMenu::SubMenu(QWidget* parent, QPushButton* owner)
     setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Minimum);
 }
 
+SubMenu::~SubMenu()
+{
+    deleteEntries();
+}
+
 void SubMenu::addMenuItem(QWidget* entry, int position)
 {
     if (!entry)

@@ -20,6 +20,7 @@ class TZUICOMPONENTS_EXPORT SubMenu : public SubMenuBase
 public:
     /// \a parent is the desktop; \a owner the group button.
     SubMenu(QWidget* parent, QPushButton* owner);
+    ~SubMenu() override;
 
     /// Position 0 appends \a entry; any other puts it before the first entry of a lower
     /// position (higher positions first, equal ones in the order they came).

@@ -32,10 +32,13 @@ SubMenuBase::~SubMenuBase()
     const QList<QWidget*> children = findChildren<QWidget*>();
     for (QWidget* child : children)
         disconnect(child, nullptr, this, nullptr);
-    // Qt deletes a widget's layout before its children, so entries left to die with the
-    // pop-up would tell the builder of their end after the list is gone, and the builder
-    // asks the pop-up to take them out of it. They go here, while the pop-up is whole,
-    // out of the list in one pass first.
+}
+
+void SubMenuBase::deleteEntries()
+{
+    const QList<QWidget*> children = findChildren<QWidget*>();
+    for (QWidget* child : children)
+        disconnect(child, nullptr, this, nullptr);
     QList<QWidget*> held;
     for (int index = itemLayout ? itemLayout->count() - 1 : -1; index >= 0; --index) {
         QLayoutItem* item = itemLayout->takeAt(index);

@@ -73,6 +73,12 @@ protected:
     void fitWhenIdle();
     /// Adds \a entry at \a index of the list, shown if the pop-up is open.
     void insertEntry(int index, QWidget* entry);
+    /// Deletes the entries still in the list, out of it in one pass and cut loose from
+    /// the pop-up first. Each kind of pop-up calls it from its destructor: Qt deletes a
+    /// widget's layout before its children, and entries left to die with the pop-up
+    /// would tell the builder of their end when the list, and the pop-up's own kind, are
+    /// gone; the builder then asks the pop-up to take them out.
+    void deleteEntries();
 
     /// The entries in list order, without spacers.
     template <class Entry>

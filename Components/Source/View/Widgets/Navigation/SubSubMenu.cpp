@@ -47,6 +47,7 @@ SubSubMenu::SubSubMenu(QWidget* parent, QPushButton* owner)
 
 SubSubMenu::~SubSubMenu()
 {
+    deleteEntries();
     delete connector.data();
 }
 
