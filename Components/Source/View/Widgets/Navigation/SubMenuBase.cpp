@@ -29,6 +29,11 @@ void SubMenuBase::setClosed()
 
 SubMenuBase::~SubMenuBase()
 {
+    cutChildrenLoose();
+}
+
+void SubMenuBase::cutChildrenLoose()
+{
     const QList<QWidget*> children = findChildren<QWidget*>();
     for (QWidget* child : children)
         disconnect(child, nullptr, this, nullptr);
@@ -36,9 +41,7 @@ SubMenuBase::~SubMenuBase()
 
 void SubMenuBase::deleteEntries()
 {
-    const QList<QWidget*> children = findChildren<QWidget*>();
-    for (QWidget* child : children)
-        disconnect(child, nullptr, this, nullptr);
+    cutChildrenLoose();
     QList<QWidget*> held;
     for (int index = itemLayout ? itemLayout->count() - 1 : -1; index >= 0; --index) {
         QLayoutItem* item = itemLayout->takeAt(index);
