@@ -672,6 +672,12 @@ private slots:
         desk.add("Sources", "DC", "DC 1");
         QVERIFY(desk.bar->getSubSubMenus().value("Sources|AC")->getOwner()->isHidden());
         QVERIFY(!desk.bar->menuButton("Sources")->isHidden());
+        // A new entry shows the holder and the group that hid with all their entries.
+        desk.bar->disableScreen("Sources", "DC", "DC 1", 1);
+        QVERIFY(desk.bar->menuButton("Sources")->isHidden());
+        desk.add("Sources", "AC", "AC 3");
+        QVERIFY(!desk.bar->menuButton("Sources")->isHidden());
+        QVERIFY(!desk.bar->getSubSubMenus().value("Sources|AC")->getOwner()->isHidden());
     }
 
     void refusesBadInput()

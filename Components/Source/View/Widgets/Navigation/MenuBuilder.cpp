@@ -110,6 +110,9 @@ QPushButton* MenuBuilder::addMenuItem(const QString& menu, const QString& subMen
     const int count = ++menuCount[menu];
     ++subMenuCount[menu][subMenu];
     QPushButton* entry = nullptr;
+    // Whether a holder or group button above the new entry is hidden: a new entry is
+    // shown, so only such a button can change.
+    bool hiddenAbove = false;
     if (count == 1) {
         MenuItem* button = newBarButton(menu, shown, screen, position, priority, receiver, slot);
         int index = itemLayout->count();
@@ -129,7 +132,11 @@ QPushButton* MenuBuilder::addMenuItem(const QString& menu, const QString& subMen
             groupMenu(menu, position, priority);
         nestSubMenuNames(menu, subMenu, position);
         SubMenu* sub = subMenus.value(menu);
+        const MenuItem* group = menuButtons.value(menu);
+        hiddenAbove = group && SubMenuBase::isHiddenEntry(group);
         if (SubSubMenu* nest = subSubMenus.value(nestKey(menu, subMenu))) {
+            const QPushButton* holder = nest->getOwner();
+            hiddenAbove = hiddenAbove || (holder && SubMenuBase::isHiddenEntry(holder));
             auto* nested = new SubSubMenuItem(nest, sub, shown, screen, position, receiver, slot, instNum);
             nest->addMenuItem(nested, position);
             connect(nested, &QObject::destroyed, this, &MenuBuilder::subSubMenuItemDeleted);
@@ -144,7 +151,10 @@ QPushButton* MenuBuilder::addMenuItem(const QString& menu, const QString& subMen
     recordEntry(entry, menu, subMenu, screen);
     screenMap.append(key, entry);
     // Only a new second-level pop-up brings a holder for another name than this entry's.
-    refreshMenuVisibility(menu, subSubMenus.size() == nests ? &subMenu : nullptr);
+    if (subSubMenus.size() != nests)
+        refreshMenuVisibility(menu);
+    else if (hiddenAbove)
+        refreshMenuVisibility(menu, &subMenu);
     return entry;
 }
 
