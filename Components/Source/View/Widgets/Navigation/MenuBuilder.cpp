@@ -55,7 +55,7 @@ MenuBuilder::~MenuBuilder()
 {
     // The row's buttons die with the bar's widgets, after this: they must not report
     // back. The pop-ups live on the desktop and go with the bar.
-    for (auto entry = itemMenuName.keyBegin(); entry != itemMenuName.keyEnd(); ++entry)
+    for (auto entry = entryBooks.keyBegin(); entry != entryBooks.keyEnd(); ++entry)
         disconnect(*entry, nullptr, this, nullptr);
     for (const QPointer<SubSubMenu>& nest : qAsConst(subSubMenus))
         delete nest.data();
@@ -96,7 +96,7 @@ QPushButton* MenuBuilder::addMenuItem(const QString& menu, const QString& subMen
         qDebug() << "UserInterface - Menu entry already in the menu, not added:" << menu << subMenu << shown;
         return nullptr;
     }
-    if (QObject* other = screenEntries.value(screen); other && buttonScreens.value(other) == screen) {
+    if (QObject* other = screenEntries.value(screen); other && entryBooks.value(other).screen == screen) {
         qDebug() << "UserInterface - Menu entry for a screen that has one already, not added:" << menu << subMenu
                  << shown;
         return nullptr;
@@ -237,9 +237,9 @@ void MenuBuilder::groupMenu(const QString& menu, int position, int priority)
     connect(bar, &MenuBar::jumped, sub, &QWidget::hide);
     menuButtons.insert(menu, group);
 
-    if (!single || !itemMenuName.contains(single))
+    if (!single || !entryBooks.contains(single))
         return;
-    SubMenuItem* moved = newSubMenuEntry(sub, itemSubMenuName.value(single), single->getLabel(), single->getScreen(),
+    SubMenuItem* moved = newSubMenuEntry(sub, entryBooks.value(single).subMenu, single->getLabel(), single->getScreen(),
                                          single->getPosition(), single->getReceiver(), single->getSlot(), 0);
     passEntryOn(single, moved, single->getReceiver(), single->getSlot());
 }
@@ -325,7 +325,7 @@ void MenuBuilder::nestSubMenuName(const QString& menu, const QString& subMenu, i
     QList<SubMenuItem*> plain;
     for (QPushButton* button : sub->buttons()) {
         auto* entry = qobject_cast<SubMenuItem*>(button);
-        if (entry && itemMenuName.contains(entry) && itemSubMenuName.value(entry) == subMenu)
+        if (entry && entryBooks.contains(entry) && entryBooks.value(entry).subMenu == subMenu)
             plain.append(entry);
     }
 
@@ -359,7 +359,7 @@ void MenuBuilder::flattenSubMenuName(const QString& menu, const QString& subMenu
     if (sub) {
         for (QPushButton* button : nest->buttons()) {
             auto* entry = qobject_cast<SubSubMenuItem*>(button);
-            if (!entry || !itemMenuName.contains(entry))
+            if (!entry || !entryBooks.contains(entry))
                 continue;
             SubMenuItem* moved = newSubMenuEntry(sub, subMenu, entry->getLabel(), entry->getScreen(),
                                                  entry->getPosition(), entry->getReceiver(), entry->getSlot(),
@@ -381,12 +381,8 @@ void MenuBuilder::flattenSubMenuName(const QString& menu, const QString& subMenu
 
 void MenuBuilder::recordEntry(QPushButton* entry, const QString& menu, const QString& subMenu, QWidget* screen)
 {
-    itemMenuName.insert(entry, menu);
-    itemSubMenuName.insert(entry, subMenu);
-    buttonScreens.insert(entry, screen);
-    keepLargestSize(itemMenuName);
-    keepLargestSize(itemSubMenuName);
-    keepLargestSize(buttonScreens);
+    entryBooks.insert(entry, EntryBooks{menu, subMenu, screen});
+    keepLargestSize(entryBooks);
     if (screen) {
         screenEntries.insert(screen, entry);
         keepLargestSize(screenEntries);
@@ -397,10 +393,8 @@ void MenuBuilder::recordEntry(QPushButton* entry, const QString& menu, const QSt
 void MenuBuilder::passEntryOn(QPushButton* from, QPushButton* to, QObject* receiver, const QString& slot)
 {
     detach(from);
-    const QString menu = itemMenuName.take(from);
-    const QString subMenu = itemSubMenuName.take(from);
-    const QPointer<QWidget> screen = buttonScreens.take(from);
-    recordEntry(to, menu, subMenu, screen);
+    const EntryBooks books = entryBooks.take(from);
+    recordEntry(to, books.menu, books.subMenu, books.screen);
     screenMap.replaceButton(from, to);
 
     if (auto* item = qobject_cast<MenuItem*>(from))
@@ -436,16 +430,16 @@ void MenuBuilder::screenDestroyed(QObject* screen)
     // of itself finds it gone from the books, and cutting each of thousands of entries
     // loose one by one as their screens close together costs more than that.
     QObject* entry = screenEntries.take(screen);
-    if (!entry || !itemMenuName.contains(entry))
+    if (!entry || !entryBooks.contains(entry))
         return;
     entryGone(entry, false, true);
 }
 
 void MenuBuilder::entryGone(QObject* entry, bool settleNow, bool deletedLater)
 {
-    if (!itemMenuName.contains(entry))
+    if (!entryBooks.contains(entry))
         return;
-    const QString menu = itemMenuName.value(entry);
+    const QString menu = entryBooks.value(entry).menu;
     forgetEntry(entry, deletedLater);
     if (settleNow) {
         settleMenu(menu);
@@ -467,9 +461,10 @@ void MenuBuilder::settleMenus()
 
 void MenuBuilder::forgetEntry(QObject* entry, bool deletedLater)
 {
-    const QString menu = itemMenuName.take(entry);
-    const QString subMenu = itemSubMenuName.take(entry);
-    const QPointer<QWidget> screen = buttonScreens.take(entry);
+    const EntryBooks books = entryBooks.take(entry);
+    const QString& menu = books.menu;
+    const QString& subMenu = books.subMenu;
+    QWidget* screen = books.screen;
     if (screen && screenEntries.value(screen) == entry)
         screenEntries.remove(screen);
     screenMap.removeButton(entry);
@@ -569,13 +564,13 @@ QList<QPushButton*> MenuBuilder::entriesOf(const QString& menu) const
     QList<QPushButton*> result;
     if (!groupedMenus.contains(menu)) {
         MenuItem* single = menuButtons.value(menu);
-        if (single && itemMenuName.contains(single))
+        if (single && entryBooks.contains(single))
             result.append(single);
         return result;
     }
     if (SubMenu* sub = subMenus.value(menu)) {
         for (QPushButton* entry : sub->buttons()) {
-            if (itemMenuName.contains(entry))
+            if (entryBooks.contains(entry))
                 result.append(entry);
         }
     }
@@ -584,7 +579,7 @@ QList<QPushButton*> MenuBuilder::entriesOf(const QString& menu) const
         if (!nest.key().startsWith(prefix) || !nest.value())
             continue;
         for (QPushButton* entry : nest.value()->buttons()) {
-            if (itemMenuName.contains(entry))
+            if (entryBooks.contains(entry))
                 result.append(entry);
         }
     }
@@ -613,7 +608,7 @@ void MenuBuilder::setEntryShown(const ScreenKey& key, bool shown)
     entry->setVisible(shown);
     // A hidden entry takes its screen off the desktop; showing the entry again does not
     // bring the screen back.
-    if (QWidget* screen = buttonScreens.value(entry); !shown && screen && screen->isVisible())
+    if (QWidget* screen = entryBooks.value(entry).screen; !shown && screen && screen->isVisible())
         screen->hide();
     // The spacer above an entry goes and comes with it.
     auto* layout = qobject_cast<QVBoxLayout*>(entry->parentWidget() ? entry->parentWidget()->layout() : nullptr);
@@ -653,8 +648,11 @@ MenuItem* MenuBuilder::menuButton(const QString& menu) const
 
 void MenuBuilder::updateButtonsToContainers(QPushButton* button, QWidget* screen)
 {
-    buttonScreens.insert(button, screen);
-    if (screen && itemMenuName.contains(button)) {
+    const auto books = entryBooks.find(button);
+    if (books == entryBooks.end())
+        return;
+    books->screen = screen;
+    if (screen) {
         screenEntries.insert(screen, button);
         connect(screen, &QObject::destroyed, this, &MenuBuilder::screenDestroyed, Qt::UniqueConnection);
     }

@@ -104,10 +104,15 @@ private:
     QHash<QString, QPointer<MenuItem>> menuButtons;
     QHash<QString, QPointer<SubMenu>> subMenus;
     QHash<QString, QPointer<SubSubMenu>> subSubMenus;
+    // What is known of each entry: its menu, its sub-menu name, its screen.
+    struct EntryBooks
+    {
+        QString menu;
+        QString subMenu;
+        QPointer<QWidget> screen;
+    };
     // Keyed by the entry as a QObject: destroyed() reports no more than that.
-    QHash<QObject*, QString> itemMenuName;
-    QHash<QObject*, QString> itemSubMenuName;
-    QHash<QObject*, QPointer<QWidget>> buttonScreens;
+    QHash<QObject*, EntryBooks> entryBooks;
     ScreenMap screenMap;
     // The entry that shows each screen, to refuse a second one.
     QHash<const QObject*, QObject*> screenEntries;
