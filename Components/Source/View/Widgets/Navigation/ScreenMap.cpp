@@ -56,7 +56,8 @@ void ScreenMap::replaceButton(QPushButton* from, QPushButton* to)
     const auto found = m_byButton.find(fromObject);
     if (found == m_byButton.end())
         return;
-    const Nodes::iterator node = found->takeFirst();
+    const Nodes::iterator node = found->first();
+    found->remove(0);
     if (found->isEmpty())
         m_byButton.erase(found);
     node->pair.button = to;
@@ -86,7 +87,8 @@ void ScreenMap::erase(Nodes::iterator node)
         const auto found = hash.find(indexKey);
         if (found == hash.end())
             return;
-        found->removeOne(node);
+        if (const int at = found->indexOf(node); at >= 0)
+            found->remove(at);
         if (found->isEmpty())
             hash.erase(found);
     };

@@ -6,7 +6,7 @@
 
 #include <QHash>
 #include <QList>
-#include <QVector>
+#include <QVarLengthArray>
 
 #include <list>
 
@@ -50,8 +50,9 @@ private:
         quint64 serial;
     };
     using Nodes = std::list<Node>;
-    // Each index lists its nodes in map order (by serial).
-    using Index = QVector<Nodes::iterator>;
+    // Each index lists its nodes in map order (by serial). Nearly every key and button
+    // has one node, which the index holds without an allocation of its own.
+    using Index = QVarLengthArray<Nodes::iterator, 1>;
 
     static void insertOrdered(Index& index, Nodes::iterator node);
     void erase(Nodes::iterator node);
