@@ -325,7 +325,8 @@ void MenuBuilder::nestSubMenuName(const QString& menu, const QString& subMenu, i
     QList<SubMenuItem*> plain;
     for (QPushButton* button : sub->buttons()) {
         auto* entry = qobject_cast<SubMenuItem*>(button);
-        if (entry && entryBooks.contains(entry) && entryBooks.value(entry).subMenu == subMenu)
+        const auto books = entryBooks.constFind(entry);
+        if (entry && books != entryBooks.constEnd() && books->subMenu == subMenu)
             plain.append(entry);
     }
 
@@ -437,9 +438,10 @@ void MenuBuilder::screenDestroyed(QObject* screen)
 
 void MenuBuilder::entryGone(QObject* entry, bool settleNow, bool deletedLater)
 {
-    if (!entryBooks.contains(entry))
+    const auto books = entryBooks.constFind(entry);
+    if (books == entryBooks.constEnd())
         return;
-    const QString menu = entryBooks.value(entry).menu;
+    const QString menu = books->menu;
     forgetEntry(entry, deletedLater);
     if (settleNow) {
         settleMenu(menu);
