@@ -29,11 +29,6 @@ void SubMenuBase::setClosed()
 
 SubMenuBase::~SubMenuBase()
 {
-    cutChildrenLoose();
-}
-
-void SubMenuBase::cutChildrenLoose()
-{
     const QList<QWidget*> children = findChildren<QWidget*>();
     for (QWidget* child : children)
         disconnect(child, nullptr, this, nullptr);
@@ -41,12 +36,13 @@ void SubMenuBase::cutChildrenLoose()
 
 void SubMenuBase::deleteEntries()
 {
-    cutChildrenLoose();
     QList<QWidget*> held;
     for (int index = itemLayout ? itemLayout->count() - 1 : -1; index >= 0; --index) {
         QLayoutItem* item = itemLayout->takeAt(index);
-        if (QWidget* entry = item->widget())
+        if (QWidget* entry = item->widget()) {
+            disconnect(entry, nullptr, this, nullptr);
             held.append(entry);
+        }
         delete item;
     }
     qDeleteAll(held);

@@ -99,8 +99,6 @@ protected:
 private:
     /// Takes the entries that left out of the layout, in one pass.
     void sweepLeaving();
-    /// Disconnects every child's signals from the pop-up, which is going.
-    void cutChildrenLoose();
 
     bool fitQueued = false;
     // Entries that left, still in the layout until the next sweep; only compared, never
