@@ -8,10 +8,12 @@
 //
 // A third program is the bare one with the library loaded into it (LD_PRELOAD) and
 // nothing of it used: what any host pays for the library's code and for what it links
-// (omniORB, Fast DDS and theirs) before it draws anything.
+// (omniORB, Fast DDS and theirs) before it draws anything. A fourth also starts the
+// process's ORB and joins DDS (tz-bench-startup-transports, the library preloaded too):
+// the least a host of the library starts with.
 //
 //   tz-bench-startup [--runs N] [--quit-after MS] [--host PROGRAM] [--bare PROGRAM]
-//                    [--report FILE]
+//                    [--transports PROGRAM] [--report FILE]
 //
 // The host runs without a naming service (no -ORBInitRef), with DDS on the domain of
 // ORVANTH_DDS_DOMAIN (default 196 here, away from the tests' domains).
@@ -171,6 +173,7 @@ int main(int argc, char* argv[])
     int quitAfterMs = 100;
     std::string host = TZ_DEMO_HOST;
     std::string bare = TZ_STARTUP_BARE;
+    std::string transports = TZ_STARTUP_TRANSPORTS;
     const std::string library = TZ_UI_LIBRARY;
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
@@ -183,9 +186,11 @@ int main(int argc, char* argv[])
             host = argv[++i];
         else if (argument == "--bare" && hasValue)
             bare = argv[++i];
+        else if (argument == "--transports" && hasValue)
+            transports = argv[++i];
         else {
             std::fprintf(stderr, "usage: tz-bench-startup [--runs N] [--quit-after MS] [--host PROGRAM] "
-                                 "[--bare PROGRAM] [--report FILE]\n");
+                                 "[--bare PROGRAM] [--transports PROGRAM] [--report FILE]\n");
             return 2;
         }
     }
@@ -201,23 +206,25 @@ int main(int argc, char* argv[])
         const std::vector<std::string> common{"-res", resolution, "-quit-after", std::to_string(quitAfterMs)};
         std::vector<std::string> hostArguments = common;
         hostArguments.insert(hostArguments.end(), {"-systype", "benchtop", "-first-frame"});
-        std::vector<Run> hostRuns, bareRuns, loadedRuns;
+        std::vector<Run> hostRuns, bareRuns, loadedRuns, transportRuns;
         // One of each to load the libraries into the page cache first.
         measure(bare, common);
         measure(host, hostArguments);
         for (int i = 0; i < runs; ++i) {
             bareRuns.push_back(measure(bare, common));
             loadedRuns.push_back(measure(bare, common, library));
+            transportRuns.push_back(measure(transports, common, library));
             hostRuns.push_back(measure(host, hostArguments));
-            if (!bareRuns.back().ok || !loadedRuns.back().ok || !hostRuns.back().ok)
+            if (!bareRuns.back().ok || !loadedRuns.back().ok || !transportRuns.back().ok || !hostRuns.back().ok)
                 status = 1;
         }
         const Summary bareSummary = summarise(bareRuns);
         const Summary loadedSummary = summarise(loadedRuns);
+        const Summary transportSummary = summarise(transportRuns);
         const Summary hostSummary = summarise(hostRuns);
         for (const auto& [name, summary] :
              {std::make_pair("bare Qt label", bareSummary), std::make_pair("  + library", loadedSummary),
-              std::make_pair("demo host", hostSummary)}) {
+              std::make_pair("  + ORB, DDS", transportSummary), std::make_pair("demo host", hostSummary)}) {
             std::printf("  %-12s %9s | %8.1f ms %7.1f ms %7.1f ms %7.1f MB\n", name, resolution, summary.firstFrameMs,
                         summary.wallMs, summary.cpuMs, summary.peakMb);
         }
@@ -238,6 +245,10 @@ int main(int argc, char* argv[])
                     "bare Qt label", bareSummary.firstFrameMs, BenchReport::Goal::Info, NAN});
         report.add({"bare Qt label with the library loaded, peak resident memory" + at, loadedSummary.peakMb, "MB",
                     "bare Qt label", bareSummary.peakMb, BenchReport::Goal::Info, NAN});
+        report.add({"the same with the ORB started and DDS joined, first frame" + at, transportSummary.firstFrameMs,
+                    "ms", "bare Qt label", bareSummary.firstFrameMs, BenchReport::Goal::Info, NAN});
+        report.add({"the same with the ORB started and DDS joined, peak resident memory" + at,
+                    transportSummary.peakMb, "MB", "bare Qt label", bareSummary.peakMb, BenchReport::Goal::Info, NAN});
         report.samples(std::string("demo host, first frame") + at, "ms", hostSummary.firstFrames);
         report.samples(std::string("bare Qt label, first frame") + at, "ms", bareSummary.firstFrames);
     }
